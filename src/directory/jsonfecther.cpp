@@ -1,0 +1,104 @@
+#include "directory/jsonfecther.h"
+
+#include "directory/base64.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUtf8StringView>
+#include <algorithm>
+
+namespace {
+/// Bytes of a JSON text whose root may be any value, which QJsonDocument by itself does not write.
+QByteArray jsonBytes(const QJsonValue &value)
+{
+    if (value.isObject()) {
+        return QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact);
+    }
+    const QByteArray list = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return value.isArray() ? QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact)
+                           : list.mid(1, list.size() - 2);
+}
+
+void deliver(const QByteArray &data, const JSonFecther::Completion &completion)
+{
+    const bool hasText = !data.isEmpty() && QUtf8StringView(data).isValidUtf8();
+    if (hasText) {
+        completion(data);
+    } else {
+        completion(JSonFecther::generateUnknownError());
+    }
+    // Handed over a second time in every case; completion steps rely on the last call being the data.
+    completion(data);
+}
+} // namespace
+
+std::shared_ptr<JSonFecther> JSonFecther::create()
+{
+    return std::shared_ptr<JSonFecther>(new JSonFecther);
+}
+
+std::shared_ptr<JSonFecther> JSonFecther::initWithUsernamePassword(const QString &username,
+                                                                   const QString &password)
+{
+    auto fetcher = create();
+    fetcher->setUsername(username);
+    fetcher->setPassword(password);
+    return fetcher;
+}
+
+QString JSonFecther::standardBasicAuthWithUsername(const QString &username, const QString &password)
+{
+    const QString credentials = username + QLatin1Char(':') + password;
+    const bool ascii =
+        std::all_of(credentials.begin(), credentials.end(), [](QChar c) { return c.unicode() < 128; });
+    return QLatin1StringView("Basic ") + (ascii ? Base64::encode(credentials.toLatin1()) : QString());
+}
+
+void JSonFecther::asynchRequest(const QUrl &url, const QString &method, const std::optional<QJsonValue> &body,
+                                Completion completion)
+{
+    HttpRequest request{.url = url};
+    // What the directory knows this program by; not the agent that stream servers are shown.
+    request.headers.emplaceBack("User-Agent", "com.Zelmo.ForMac.useragent");
+    if (!username().isNull() && !password().isNull()) {
+        request.headers.emplaceBack("Authorization",
+                                    standardBasicAuthWithUsername(username(), password()).toLatin1());
+    }
+    if (!method.isNull()) {
+        request.method = method.toLatin1();
+    }
+    if (method == QLatin1StringView("POST") || method == QLatin1StringView("PUT")) {
+        // The body is JSON all the same: the service goes by this header and reads either.
+        request.headers.emplaceBack("Accept", "text/xml");
+        request.headers.emplaceBack("Content-Type", "text/xml");
+        if (body) {
+            request.body = jsonBytes(*body);
+        }
+    }
+
+    // Owned by the application, for what is still under way when it ends.
+    auto *exchange = new HttpExchange(QCoreApplication::instance());
+    QObject::connect(exchange, &HttpExchange::finished, exchange,
+                     [self = shared_from_this(), exchange, completion] {
+                         self->setDpResponse(exchange->response());
+                         deliver(exchange->body(), completion);
+                         exchange->deleteLater();
+                     });
+    QObject::connect(exchange, &HttpExchange::failed, exchange,
+                     [self = shared_from_this(), exchange, completion](const HttpError &error) {
+                         if (exchange->response().status != 0) {
+                             self->setDpResponse(exchange->response());
+                         }
+                         completion(error);
+                         exchange->deleteLater();
+                     });
+    exchange->start(request);
+}
+
+HttpError JSonFecther::generateUnknownError()
+{
+    return {QStringLiteral("com.Zelmo.ForMac"), 204,
+            QStringLiteral("the request was successful, but there is no result")};
+}
