@@ -1,0 +1,125 @@
+#include "playback/mpv/mpvbackend.h"
+
+#include "playback/mpv/mpvhandle.h"
+#include "playback/mpv/mpvitem.h"
+#include "playback/mpv/mpvlibrary.h"
+#include "playback/mpv/mpvplayer.h"
+#include "playback/streamresolver.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+
+/// The library, opened once by whoever comes first. Shared with the thread that preloads, which may outlive
+/// the backend.
+class MpvBackend::Preload
+{
+public:
+    const MpvLibrary *get()
+    {
+        std::call_once(once_, [this] { library_ = MpvLibrary::open(); });
+        return library_.get();
+    }
+
+private:
+    std::once_flag once_;
+    std::unique_ptr<const MpvLibrary> library_;
+};
+
+namespace {
+/// What a file may be waited for: two cores cannot write one file at a time.
+constexpr std::chrono::milliseconds fileReleaseTime = std::chrono::seconds(2);
+
+/// libmpv takes whole seconds, and 0 for its own default.
+QByteArray networkTimeout(double seconds)
+{
+    constexpr double longest = 24.0 * 60 * 60;
+    return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
+}
+
+MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &request)
+{
+    MpvHandle::Options options = {
+        // A core for sound alone, without the user's own configuration of the mpv program, scripts or keys.
+        {"config", "no"},
+        {"vid", "no"},
+        {"sid", "no"},
+        {"audio-display", "no"},
+        {"terminal", "no"},
+        // Would hand the address to another program.
+        {"ytdl", "no"},
+        {"load-scripts", "no"},
+        {"osc", "no"},
+        {"load-stats-overlay", "no"},
+        {"load-osd-console", "no"},
+        {"load-auto-profiles", "no"},
+        {"input-default-bindings", "no"},
+        {"input-builtin-bindings", "no"},
+        {"idle", "yes"},
+        {"audio-client-name", "Plumtide"},
+        {"user-agent", StreamResolver::userAgent()},
+        {"cache", "yes"},
+        // Sound formats only: none that reads further files or addresses.
+        {"demuxer", "lavf"},
+        {"demuxer-lavf-o", "format_whitelist=\"aac,ac3,asf,flac,loas,matroska,mov,mp3,mpegts,ogg,wav,webm\""},
+        {"access-references", "no"},
+        // Content types are often wrong; a lower score than the usual one lets the data speak.
+        {"demuxer-lavf-probescore", "10"},
+        {"demuxer-max-bytes", QByteArray::number(MpvItem::playingBufferBytes)},
+        {"demuxer-max-back-bytes", "0"},
+        {"demuxer-donate-buffer", "no"},
+        {"network-timeout", networkTimeout(request.timeout)},
+        // A redirect would take the request's headers to another host.
+        {"stream-lavf-o", "reconnect_streamed=1,reconnect_delay_max=8,max_redirects=0"},
+    };
+    if (output.isAutomatic()) {
+        options.insert(options.end(), {{"ao", "pipewire,pulse,alsa"}, {"audio-fallback-to-null", "yes"}});
+    } else if (output.isFile()) {
+        // The file takes sound faster than it comes; waiting for more would look like a lost connection.
+        options.insert(options.end(), {{"ao", "pcm"},
+                                       {"ao-pcm-file", output.file().toLocal8Bit()},
+                                       {"audio-format", "s16"},
+                                       {"cache-pause", "no"}});
+    } else {
+        options.push_back({"ao", "null"});
+    }
+    return options;
+}
+} // namespace
+
+MpvBackend::MpvBackend(AudioOutput output)
+    : output_(std::move(output))
+    , library_(std::make_shared<Preload>())
+    , tearDowns_(std::make_shared<TearDowns>())
+{
+}
+
+MpvBackend::~MpvBackend() = default;
+
+void MpvBackend::preload()
+{
+    TearDowns::run(tearDowns_, [library = library_] { library->get(); });
+}
+
+std::shared_ptr<BackendItem> MpvBackend::makeItem(const StreamRequest &request)
+{
+    std::unique_ptr<MpvHandle> handle;
+    if (const MpvLibrary *library = library_->get()) {
+        if (output_.isFile()) {
+            tearDowns_->waitForNone(fileReleaseTime);
+        }
+        handle = MpvHandle::create(*library, tearDowns_, optionsFor(output_, request));
+    }
+    auto *item = new MpvItem(request, std::move(handle));
+    item->moveToThread(QCoreApplication::instance()->thread());
+    return {item, [](MpvItem *released) { released->deleteLater(); }};
+}
+
+std::shared_ptr<BackendPlayer> MpvBackend::makePlayer(const std::shared_ptr<BackendItem> &item)
+{
+    return std::make_shared<MpvPlayer>(std::static_pointer_cast<MpvItem>(item));
+}
+
+bool MpvBackend::waitForTearDowns(std::chrono::milliseconds time)
+{
+    return tearDowns_->waitForNone(time);
+}

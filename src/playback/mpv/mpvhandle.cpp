@@ -1,0 +1,107 @@
+#include "playback/mpv/mpvhandle.h"
+
+#include <QLoggingCategory>
+#include <thread>
+
+namespace {
+Q_LOGGING_CATEGORY(lcHandle, "plumtide.playback")
+} // namespace
+
+void TearDowns::run(const std::shared_ptr<TearDowns> &tearDowns, std::function<void()> tearDown)
+{
+    {
+        const std::scoped_lock lock(tearDowns->mutex_);
+        ++tearDowns->running_;
+    }
+    std::thread([tearDowns, work = std::move(tearDown)] {
+        work();
+        const std::scoped_lock lock(tearDowns->mutex_);
+        --tearDowns->running_;
+        tearDowns->changed_.notify_all();
+    }).detach();
+}
+
+bool TearDowns::waitForNone(std::chrono::milliseconds time)
+{
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, time, [this] { return running_ == 0; });
+}
+
+std::unique_ptr<MpvHandle> MpvHandle::create(const MpvLibrary &library, std::shared_ptr<TearDowns> tearDowns,
+                                             const Options &options)
+{
+    mpv_handle *handle = library.create();
+    if (handle == nullptr) {
+        qCWarning(lcHandle) << "no sound: libmpv gives no handle";
+        return nullptr;
+    }
+    std::unique_ptr<MpvHandle> made(new MpvHandle(library, std::move(tearDowns), handle));
+    for (const auto &[name, value] : options) {
+        // An option that this version does not know is one that it does not need.
+        if (library.setOptionString(handle, name.constData(), value.constData()) < 0) {
+            qCDebug(lcHandle) << "libmpv refuses the option" << name;
+        }
+    }
+    if (library.initialize(handle) < 0) {
+        qCWarning(lcHandle) << "no sound: libmpv does not start";
+        return nullptr;
+    }
+    return made;
+}
+
+MpvHandle::MpvHandle(const MpvLibrary &library, std::shared_ptr<TearDowns> tearDowns, mpv_handle *handle)
+    : library_(library)
+    , tearDowns_(std::move(tearDowns))
+    , handle_(handle)
+{
+}
+
+MpvHandle::~MpvHandle()
+{
+    library_.setWakeupCallback(handle_, nullptr, nullptr);
+    // Silence comes first: the rest may take a while.
+    setFlag("mute", true);
+    TearDowns::run(tearDowns_, [terminateDestroy = library_.terminateDestroy, handle = handle_] {
+        terminateDestroy(handle);
+    });
+}
+
+void MpvHandle::setWakeup(std::function<void()> wakeup)
+{
+    wakeup_ = std::move(wakeup);
+    library_.setWakeupCallback(
+        handle_, [](void *self) { static_cast<MpvHandle *>(self)->wakeup_(); }, this);
+}
+
+const mpv_event &MpvHandle::nextEvent()
+{
+    return *library_.waitEvent(handle_, 0);
+}
+
+void MpvHandle::observe(const char *property, mpv_format format)
+{
+    library_.observeProperty(handle_, 0, property, format);
+}
+
+void MpvHandle::command(const std::vector<QByteArray> &words)
+{
+    std::vector<const char *> arguments;
+    arguments.reserve(words.size() + 1);
+    for (const QByteArray &word : words) {
+        arguments.push_back(word.constData());
+    }
+    arguments.push_back(nullptr);
+    library_.commandAsync(handle_, 0, arguments.data());
+}
+
+void MpvHandle::setFlag(const char *property, bool value)
+{
+    int flag = value ? 1 : 0;
+    library_.setPropertyAsync(handle_, 0, property, MPV_FORMAT_FLAG, &flag);
+}
+
+void MpvHandle::setNumber(const char *property, qint64 value)
+{
+    int64_t number = value;
+    library_.setPropertyAsync(handle_, 0, property, MPV_FORMAT_INT64, &number);
+}

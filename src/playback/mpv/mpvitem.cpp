@@ -1,0 +1,260 @@
+#include "playback/mpv/mpvitem.h"
+
+#include "directory/address.h"
+#include "playback/keypath.h"
+#include "playback/mpv/mpvplayer.h"
+#include "playback/streamresolver.h"
+
+#include <QLatin1StringView>
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace {
+/// By how many seconds the loaded ranges grow from one report to the next.
+constexpr double reportedGrowth = 1.0;
+/// The buffer counts as full a little before its limit: libmpv stops at the packet that would cross it.
+constexpr double fullShare = 0.98;
+
+const mpv_node *member(const mpv_node &map, const char *key)
+{
+    if (map.format == MPV_FORMAT_NODE_MAP) {
+        for (int index = 0; index < map.u.list->num; ++index) {
+            if (std::strcmp(map.u.list->keys[index], key) == 0) {
+                return &map.u.list->values[index];
+            }
+        }
+    }
+    return nullptr;
+}
+
+double secondsAt(const mpv_node &map, const char *key)
+{
+    const mpv_node *node = member(map, key);
+    return node != nullptr && node->format == MPV_FORMAT_DOUBLE ? node->u.double_ : 0;
+}
+
+bool flagAt(const mpv_node &map, const char *key)
+{
+    const mpv_node *node = member(map, key);
+    return node != nullptr && node->format == MPV_FORMAT_FLAG && node->u.flag != 0;
+}
+
+qint64 numberAt(const mpv_node &map, const char *key)
+{
+    const mpv_node *node = member(map, key);
+    return node != nullptr && node->format == MPV_FORMAT_INT64 ? node->u.int64 : 0;
+}
+} // namespace
+
+MpvItem::MpvItem(const StreamRequest &request, std::unique_ptr<MpvHandle> handle)
+    : request_(request)
+    , handle_(std::move(handle))
+{
+}
+
+MpvItem::~MpvItem() = default;
+
+void MpvItem::attach(MpvPlayer *player)
+{
+    player_ = player;
+}
+
+void MpvItem::detach(MpvPlayer *player)
+{
+    if (player_ == player) {
+        player_ = nullptr;
+        shutDown();
+    }
+}
+
+void MpvItem::setRunning(bool running)
+{
+    running_ = running;
+    if (running && !begun_) {
+        begin();
+        return;
+    }
+    if (!handle_) {
+        return;
+    }
+    handle_->setFlag("pause", !running);
+    handle_->setNumber("demuxer-max-bytes", running ? playingBufferBytes : pausedBufferBytes);
+    if (running) {
+        offerRanges();
+    }
+    if (running && drained_) {
+        // What ran out during the pause is reported when its sound is missed.
+        QMetaObject::invokeMethod(this, &MpvItem::reportEmpty, Qt::QueuedConnection);
+    }
+}
+
+void MpvItem::begin()
+{
+    begun_ = true;
+    if (!handle_ || !isHttpUrl(request_.url)) {
+        QMetaObject::invokeMethod(this, &MpvItem::fail, Qt::QueuedConnection);
+        return;
+    }
+    handle_->setWakeup([this] { scheduleDrain(); });
+    handle_->observe("core-idle", MPV_FORMAT_FLAG);
+    handle_->observe("paused-for-cache", MPV_FORMAT_FLAG);
+    handle_->observe("demuxer-cache-state", MPV_FORMAT_NODE);
+
+    const auto timeout = std::chrono::milliseconds(static_cast<qint64>(request_.timeout * 1000));
+    resolver_ = std::make_unique<StreamResolver>(request_.url, timeout);
+    connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
+    connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail);
+    resolver_->start();
+}
+
+void MpvItem::load(const QUrl &stream)
+{
+    handle_->command({"loadfile", stream.toEncoded(), "replace"});
+}
+
+void MpvItem::fail()
+{
+    if (player_ != nullptr) {
+        player_->setStatus(BackendPlayer::Failed);
+    }
+}
+
+void MpvItem::shutDown()
+{
+    handle_.reset();
+    resolver_.reset();
+}
+
+/// On a thread of libmpv.
+void MpvItem::scheduleDrain()
+{
+    if (!drainScheduled_.exchange(true)) {
+        QMetaObject::invokeMethod(this, &MpvItem::drain, Qt::QueuedConnection);
+    }
+}
+
+void MpvItem::drain()
+{
+    drainScheduled_ = false;
+    // What is reported may end this item.
+    const auto alive = weak_from_this().lock();
+    while (alive && handle_) {
+        const mpv_event &event = handle_->nextEvent();
+        if (event.event_id == MPV_EVENT_NONE) {
+            break;
+        }
+        handle(event);
+    }
+}
+
+void MpvItem::handle(const mpv_event &event)
+{
+    switch (event.event_id) {
+    case MPV_EVENT_START_FILE:
+        if (!started_ && player_ != nullptr) {
+            started_ = true;
+            player_->setStatus(BackendPlayer::ReadyToPlay);
+        }
+        break;
+    case MPV_EVENT_PROPERTY_CHANGE:
+        propertyChanged(*static_cast<const mpv_event_property *>(event.data));
+        break;
+    case MPV_EVENT_END_FILE:
+        streamEnded(static_cast<const mpv_event_end_file *>(event.data)->reason);
+        break;
+    default:
+        break;
+    }
+}
+
+void MpvItem::propertyChanged(const mpv_event_property &property)
+{
+    const QLatin1StringView name(property.name);
+    if (property.format == MPV_FORMAT_FLAG) {
+        const bool value = *static_cast<const int *>(property.data) != 0;
+        if (name == QLatin1StringView("core-idle") && !value && !sounded_) {
+            soundStarted();
+        } else if (name == QLatin1StringView("paused-for-cache") && value && sounded_ && running_) {
+            reportEmpty();
+        }
+    } else if (property.format == MPV_FORMAT_NODE) {
+        cacheChanged(*static_cast<const mpv_node *>(property.data));
+    }
+}
+
+void MpvItem::soundStarted()
+{
+    sounded_ = true;
+    resolver_.reset();
+    notify(KeyPath::playbackLikelyToKeepUp, true);
+    offerRanges();
+}
+
+void MpvItem::cacheChanged(const mpv_node &state)
+{
+    ranges_.clear();
+    if (const mpv_node *ranges = member(state, "seekable-ranges");
+        ranges != nullptr && ranges->format == MPV_FORMAT_NODE_ARRAY) {
+        for (int index = 0; index < ranges->u.list->num; ++index) {
+            const mpv_node &range = ranges->u.list->values[index];
+            rangesEnd_ = secondsAt(range, "end");
+            ranges_.append(
+                QVariant::fromValue(BackendItem::TimeRange{secondsAt(range, "start"), rangesEnd_}));
+        }
+    }
+    if (ranges_.isEmpty() && member(state, "cache-end") != nullptr) {
+        // All that was loaded has been played already, as with an output that is faster than the stream.
+        rangesEnd_ = secondsAt(state, "cache-end");
+        ranges_.append(
+            QVariant::fromValue(BackendItem::TimeRange{secondsAt(state, "reader-pts"), rangesEnd_}));
+    }
+    offerRanges();
+    if (handle_ && !running_ && flagAt(state, "idle") && !flagAt(state, "eof")) {
+        reportFull(numberAt(state, "fw-bytes"));
+    }
+}
+
+void MpvItem::streamEnded(mpv_end_file_reason reason)
+{
+    if (reason != MPV_END_FILE_REASON_EOF && reason != MPV_END_FILE_REASON_ERROR) {
+        return;
+    }
+    if (!sounded_) {
+        resolver_->refused();
+        return;
+    }
+    drained_ = true;
+    if (running_) {
+        reportEmpty();
+    }
+}
+
+/// Ranges that come during a pause wait for its end, so that what the user was told about the pause stays
+/// readable.
+void MpvItem::offerRanges()
+{
+    if (!sounded_ || !running_ || ranges_.isEmpty() ||
+        (reportedEnd_ && std::abs(rangesEnd_ - *reportedEnd_) < reportedGrowth)) {
+        return;
+    }
+    reportedEnd_ = rangesEnd_;
+    notify(KeyPath::loadedTimeRanges, ranges_);
+}
+
+void MpvItem::reportFull(qint64 bytes)
+{
+    if (!fullReported_ && static_cast<double>(bytes) >= fullShare * static_cast<double>(pausedBufferBytes)) {
+        fullReported_ = true;
+        notify(KeyPath::playbackBufferFull, true);
+    }
+}
+
+void MpvItem::reportEmpty()
+{
+    if (!emptyReported_) {
+        emptyReported_ = true;
+        notify(KeyPath::playbackLikelyToKeepUp, false);
+        notify(KeyPath::playbackBufferEmpty, true);
+    }
+}

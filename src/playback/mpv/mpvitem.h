@@ -1,0 +1,72 @@
+#pragma once
+
+#include "playback/backend.h"
+#include "playback/mpv/mpvhandle.h"
+#include "playback/streamresolver.h"
+
+#include <QObject>
+#include <atomic>
+#include <optional>
+
+class MpvPlayer;
+
+/// One stream on one core of libmpv: finds the address that plays, loads it, and turns what libmpv reports
+/// into the key paths. Made on any thread, then moved to the main thread, where everything else happens;
+/// while it has a player, it is that player's.
+class MpvItem : public QObject, public BackendItem, public std::enable_shared_from_this<MpvItem>
+{
+    Q_OBJECT
+
+public:
+    /// Enough for minutes of sound ahead, so that a server that sends faster than it should costs no more.
+    static constexpr qint64 playingBufferBytes = 8LL * 1024 * 1024;
+    /// Enough for an hour of pause at 128 kbit/s, what libmpv keeps beside each packet counted.
+    static constexpr qint64 pausedBufferBytes = 160LL * 1024 * 1024;
+
+    /// Without a handle the item fails when it is played.
+    MpvItem(const StreamRequest &request, std::unique_ptr<MpvHandle> handle);
+    ~MpvItem() override;
+
+    /// Makes `player` the one that is told the status; an earlier player loses the item.
+    void attach(MpvPlayer *player);
+    /// Ends the stream where `player` still has the item.
+    void detach(MpvPlayer *player);
+
+    /// Starts loading when first asked to run; later resumes and pauses.
+    void setRunning(bool running);
+
+private:
+    void begin();
+    void load(const QUrl &stream);
+    void fail();
+    void shutDown();
+    void scheduleDrain();
+    void drain();
+    void handle(const mpv_event &event);
+    void propertyChanged(const mpv_event_property &property);
+    void soundStarted();
+    void cacheChanged(const mpv_node &state);
+    void streamEnded(mpv_end_file_reason reason);
+    void offerRanges();
+    void reportFull(qint64 bytes);
+    void reportEmpty();
+
+    StreamRequest request_;
+    std::unique_ptr<MpvHandle> handle_;
+    /// Present until the stream has given sound.
+    std::unique_ptr<StreamResolver> resolver_;
+    MpvPlayer *player_ = nullptr;
+    std::atomic<bool> drainScheduled_ = false;
+    bool begun_ = false;
+    bool running_ = false;
+    bool started_ = false;
+    bool sounded_ = false;
+    /// Nothing more comes: the connection is lost and all that was loaded has been played.
+    bool drained_ = false;
+    bool emptyReported_ = false;
+    bool fullReported_ = false;
+    QVariantList ranges_;
+    double rangesEnd_ = 0;
+    /// The end of the ranges that were reported last; nothing before the first report.
+    std::optional<double> reportedEnd_;
+};

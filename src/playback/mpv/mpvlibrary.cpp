@@ -1,0 +1,37 @@
+#include "playback/mpv/mpvlibrary.h"
+
+#include <QLibrary>
+#include <QLoggingCategory>
+
+namespace {
+Q_LOGGING_CATEGORY(lcLibrary, "plumtide.playback")
+
+/// The major version of the interface that the header describes; it is part of the shared object's name.
+constexpr int interfaceVersion = static_cast<int>(MPV_CLIENT_API_VERSION >> 16U);
+
+template <class Function>
+bool find(QLibrary &library, const char *name, Function &function)
+{
+    function = reinterpret_cast<Function>(library.resolve(name));
+    return function != nullptr;
+}
+} // namespace
+
+std::unique_ptr<const MpvLibrary> MpvLibrary::open()
+{
+    QLibrary library(QStringLiteral("mpv"), interfaceVersion);
+    auto functions = std::make_unique<MpvLibrary>();
+    if (!library.load() || !find(library, "mpv_create", functions->create) ||
+        !find(library, "mpv_initialize", functions->initialize) ||
+        !find(library, "mpv_terminate_destroy", functions->terminateDestroy) ||
+        !find(library, "mpv_set_option_string", functions->setOptionString) ||
+        !find(library, "mpv_set_property_async", functions->setPropertyAsync) ||
+        !find(library, "mpv_command_async", functions->commandAsync) ||
+        !find(library, "mpv_observe_property", functions->observeProperty) ||
+        !find(library, "mpv_wait_event", functions->waitEvent) ||
+        !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback)) {
+        qCWarning(lcLibrary).noquote() << "no sound: libmpv cannot be used:" << library.errorString();
+        return nullptr;
+    }
+    return functions;
+}

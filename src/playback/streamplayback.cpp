@@ -1,0 +1,216 @@
+#include "playback/streamplayback.h"
+
+#include "directory/address.h"
+#include "model/rvobject.h"
+#include "playback/keypath.h"
+
+#include <QTimer>
+#include <algorithm>
+#include <limits>
+
+namespace {
+bool isRunning(const BackendPlayer &player)
+{
+    // A rate that is not a number counts as running.
+    return player.rate() != 0.0F;
+}
+} // namespace
+
+StreamPlayback::StreamPlayback(Backend &backend, StoredTimeout storedTimeout, QObject *parent)
+    : QObject(parent)
+    , backend_(backend)
+    , storedTimeout_(std::move(storedTimeout))
+{
+    itemMaker_.setMaxThreadCount(1);
+    itemMaker_.setThreadPriority(QThread::HighPriority);
+}
+
+StreamPlayback::~StreamPlayback()
+{
+    itemMaker_.clear();
+    itemMaker_.waitForDone();
+}
+
+void StreamPlayback::playRadioFromURL(const QString &address, const QString &name)
+{
+    if (!address.isEmpty()) {
+        Q_EMIT titleChanged(name);
+        executeSynchAVPlayer(address, name);
+    }
+}
+
+void StreamPlayback::executeSynchAVPlayer(const QString &address, const QString &name)
+{
+    if (address.isNull()) {
+        return;
+    }
+    detachPlayer();
+    Q_EMIT titleChanged(name);
+    Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
+    stopTimeout();
+    startTimeout();
+    const QUrl url = urlFromAddress(address);
+    isPlaying_ = false;
+    makeItem(url);
+}
+
+void StreamPlayback::timerDone()
+{
+    if (isPlaying_) {
+        stopTimeout();
+        return;
+    }
+    destroyPlayer();
+    Q_EMIT statusChanged(QStringLiteral("Server is not responding"));
+}
+
+void StreamPlayback::destroyPlayer()
+{
+    if (!myBackendPlayer_ || !playeritem()) {
+        return;
+    }
+    stopTimeout();
+    myBackendPlayer_->removeObserver(this, KeyPath::status);
+    stopObservingItem();
+    playeritem_.set(nullptr);
+    myBackendPlayer_.reset();
+    Q_EMIT titleChanged(QStringLiteral("idle"));
+    Q_EMIT statusChanged(QStringLiteral("Terminated / lost connection"));
+    isPlaying_ = false;
+    reportRunning();
+    Q_EMIT tornDown();
+}
+
+StreamPlayback::Toggle StreamPlayback::togglePause()
+{
+    if (!myBackendPlayer_) {
+        return Toggle::NoPlayer;
+    }
+    const bool running = isRunning(*myBackendPlayer_);
+    if (running) {
+        myBackendPlayer_->pause();
+        isPlaying_ = false;
+        Q_EMIT statusChanged(QStringLiteral("Paused (buffering in background)"));
+    } else {
+        // The status text stays until the next report replaces it.
+        myBackendPlayer_->play();
+        isPlaying_ = true;
+    }
+    reportRunning();
+    return running ? Toggle::Paused : Toggle::Resumed;
+}
+
+void StreamPlayback::detachPlayer()
+{
+    if (myBackendPlayer_) {
+        myBackendPlayer_->removeObserver(this, KeyPath::status);
+        myBackendPlayer_.reset();
+        reportRunning();
+    }
+    stopObservingItem();
+}
+
+void StreamPlayback::startTimeout()
+{
+    constexpr double longest = std::numeric_limits<int>::max() / 1000;
+    timeout_ = std::clamp(RVObject::rtoToTime(storedTimeout_()), 0.0, longest);
+    globalTimer_.reset(new QTimer(this));
+    globalTimer_->setSingleShot(true);
+    globalTimer_->setTimerType(Qt::PreciseTimer);
+    connect(globalTimer_.get(), &QTimer::timeout, this, &StreamPlayback::timerDone);
+    globalTimer_->start(static_cast<int>(timeout_ * 1000));
+}
+
+void StreamPlayback::stopTimeout()
+{
+    if (globalTimer_) {
+        globalTimer_->stop();
+        globalTimer_.reset();
+    }
+}
+
+void StreamPlayback::makeItem(const QUrl &url)
+{
+    itemMaker_.start([this, request = StreamRequest{url, timeout_}] {
+        playeritem_.set(backend_.makeItem(request));
+        QMetaObject::invokeMethod(this, &StreamPlayback::makePlayer, Qt::QueuedConnection);
+    });
+}
+
+/// Takes whichever item was written last; a later start may have replaced the one that this step is for, and
+/// its own step then takes the same item once more.
+void StreamPlayback::makePlayer()
+{
+    const auto item = playeritem();
+    if (!item) {
+        return;
+    }
+    item->addObserver(this, KeyPath::playbackBufferEmpty);
+    item->addObserver(this, KeyPath::playbackBufferFull);
+    item->addObserver(this, KeyPath::playbackLikelyToKeepUp);
+    item->addObserver(this, KeyPath::loadedTimeRanges);
+    myBackendPlayer_ = backend_.makePlayer(item);
+    myBackendPlayer_->addObserver(this, KeyPath::status);
+    myBackendPlayer_->play();
+    reportRunning();
+}
+
+void StreamPlayback::stopObservingItem()
+{
+    if (const auto item = playeritem()) {
+        item->removeObserver(this, KeyPath::playbackLikelyToKeepUp);
+        item->removeObserver(this, KeyPath::playbackBufferEmpty);
+        item->removeObserver(this, KeyPath::playbackBufferFull);
+        item->removeObserver(this, KeyPath::loadedTimeRanges);
+    }
+}
+
+void StreamPlayback::observeValueForKeyPath(QStringView keyPath, const Observable *object,
+                                            const QVariant &newValue)
+{
+    if (!myBackendPlayer_) {
+        return;
+    }
+    if (object == myBackendPlayer_.get() && keyPath == KeyPath::status) {
+        playerStatusChanged();
+    } else if (object == myBackendPlayer_->currentItem()) {
+        itemChanged(keyPath, newValue);
+    }
+}
+
+void StreamPlayback::playerStatusChanged()
+{
+    switch (myBackendPlayer_->status()) {
+    case BackendPlayer::ReadyToPlay:
+        Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
+        break;
+    case BackendPlayer::Unknown:
+    case BackendPlayer::Failed:
+        Q_EMIT statusChanged(QStringLiteral("Failed"));
+        break;
+    }
+}
+
+void StreamPlayback::itemChanged(QStringView keyPath, const QVariant &newValue)
+{
+    if (keyPath == KeyPath::playbackLikelyToKeepUp) {
+        Q_EMIT statusChanged(QStringLiteral("Buffering .."));
+    } else if (keyPath == KeyPath::loadedTimeRanges) {
+        if (!newValue.toList().isEmpty()) {
+            isPlaying_ = isRunning(*myBackendPlayer_);
+            Q_EMIT statusChanged(isPlaying_ ? QStringLiteral("- Streaming -") : QStringLiteral("Disconnect"));
+        }
+    } else if (keyPath == KeyPath::playbackBufferEmpty) {
+        Q_EMIT statusChanged(QStringLiteral("Lost connection !"));
+        destroyPlayer();
+    } else if (keyPath == KeyPath::playbackBufferFull) {
+        // A full buffer ends playback exactly like an empty one.
+        Q_EMIT statusChanged(QStringLiteral("Buffer is full !"));
+        destroyPlayer();
+    }
+}
+
+void StreamPlayback::reportRunning()
+{
+    Q_EMIT runningChanged(myBackendPlayer_ && isRunning(*myBackendPlayer_));
+}

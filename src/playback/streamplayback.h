@@ -1,0 +1,91 @@
+#pragma once
+
+#include "directory/atomicfield.h"
+#include "playback/backend.h"
+
+#include <QObject>
+#include <QThreadPool>
+#include <functional>
+#include <memory>
+
+class QTimer;
+
+/// Starts streams, turns what the player reports and the time-out of a start into the two status texts, and
+/// tears the player down.
+///
+/// Everything runs on the main thread but the making of an item, which happens on a thread of its own, one
+/// item at a time and in the order of the starts.
+class StreamPlayback : public QObject, private Observer
+{
+    Q_OBJECT
+
+public:
+    /// The stored time-out of a start; invalid where none is stored.
+    using StoredTimeout = std::function<QVariant()>;
+
+    /// What a play/pause command did.
+    enum class Toggle { NoPlayer, Paused, Resumed };
+
+    /// The backend must outlive this object.
+    StreamPlayback(Backend &backend, StoredTimeout storedTimeout, QObject *parent = nullptr);
+    ~StreamPlayback() override;
+
+    /// Plays `address` under the name `name`. Does nothing for an address that is null or empty.
+    void playRadioFromURL(const QString &address, const QString &name);
+
+    /// Leaves the previous player and starts a stream. Does nothing for a null address; one that is no URL
+    /// ends in a player that failed.
+    void executeSynchAVPlayer(const QString &address, const QString &name);
+
+    /// The time-out of a start has passed: ends a player that never streamed.
+    void timerDone();
+
+    /// Tears the current player down; does nothing where there is no player or no item.
+    void destroyPlayer();
+
+    /// Pauses a player whose rate is not 0, resumes one whose rate is.
+    Toggle togglePause();
+
+    const std::shared_ptr<BackendPlayer> &myBackendPlayer() const { return myBackendPlayer_; }
+    std::shared_ptr<BackendItem> playeritem() const { return playeritem_.get(); }
+    /// Whether a time-out is running.
+    const QTimer *globalTimer() const { return globalTimer_.get(); }
+    bool isPlaying() const { return isPlaying_; }
+
+Q_SIGNALS:
+    void titleChanged(const QString &text);
+    /// Written every time, also when the text stays the same.
+    void statusChanged(const QString &text);
+    /// Whether there is a player whose rate is not 0; sent whenever that may have changed.
+    void runningChanged(bool running);
+    /// destroyPlayer() has ended a player.
+    void tornDown();
+
+private:
+    void detachPlayer();
+    void startTimeout();
+    void stopTimeout();
+    void makeItem(const QUrl &url);
+    void makePlayer();
+    void stopObservingItem();
+    void observeValueForKeyPath(QStringView keyPath, const Observable *object,
+                                const QVariant &newValue) override;
+    void playerStatusChanged();
+    void itemChanged(QStringView keyPath, const QVariant &newValue);
+    void reportRunning();
+
+    struct DeleteLater
+    {
+        void operator()(QObject *object) const { object->deleteLater(); }
+    };
+
+    Backend &backend_;
+    StoredTimeout storedTimeout_;
+    std::shared_ptr<BackendPlayer> myBackendPlayer_;
+    AtomicField<std::shared_ptr<BackendItem>> playeritem_;
+    /// Ended from within its own signal, and so never deleted on the spot.
+    std::unique_ptr<QTimer, DeleteLater> globalTimer_;
+    bool isPlaying_ = false;
+    double timeout_ = 0;
+    QThreadPool itemMaker_;
+};

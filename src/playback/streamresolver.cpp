@@ -1,0 +1,156 @@
+#include "playback/streamresolver.h"
+
+#include "directory/address.h"
+#include "directory/httpexchange.h"
+#include "playback/playlist.h"
+
+#include <QCoreApplication>
+#include <QNetworkReply>
+#include <algorithm>
+
+namespace {
+constexpr qint64 maximumPlaylistBytes = 256LL * 1024;
+/// What a candidate gets however many others wait behind it.
+constexpr std::chrono::milliseconds shortestShare = std::chrono::seconds(1);
+} // namespace
+
+QByteArray StreamResolver::userAgent()
+{
+    // Some servers answer anything that begins like a browser's agent with a web page.
+    return QByteArrayLiteral("Plumtide/") + QCoreApplication::applicationVersion().toUtf8();
+}
+
+StreamResolver::StreamResolver(const QUrl &address, std::chrono::milliseconds timeout, QObject *parent)
+    : QObject(parent)
+    , timeout_(timeout)
+{
+    waiting_.push_back({.url = address});
+    share_.setSingleShot(true);
+    connect(&share_, &QTimer::timeout, this, &StreamResolver::next);
+}
+
+StreamResolver::~StreamResolver() = default;
+
+void StreamResolver::start()
+{
+    elapsed_.start();
+    next();
+}
+
+void StreamResolver::refused()
+{
+    // A candidate that was handed out unseen is looked at; one that has been seen is done with.
+    if (current_.trusted) {
+        current_.trusted = false;
+        look(current_);
+    } else {
+        next();
+    }
+}
+
+void StreamResolver::next()
+{
+    endLook();
+    handedOut_.clear();
+    if (waiting_.empty()) {
+        share_.stop();
+        Q_EMIT failed();
+        return;
+    }
+    current_ = waiting_.front();
+    waiting_.pop_front();
+    shareTime();
+    if (current_.trusted) {
+        handOut(current_.url);
+    } else {
+        look(current_);
+    }
+}
+
+void StreamResolver::shareTime()
+{
+    if (waiting_.empty()) {
+        // The last one may take all the time that the start has.
+        share_.stop();
+        return;
+    }
+    const auto left = timeout_ - std::chrono::milliseconds(elapsed_.elapsed());
+    share_.start(std::max(shortestShare, left / static_cast<int>(waiting_.size() + 1)));
+}
+
+void StreamResolver::look(const Candidate &candidate)
+{
+    endLook();
+    exchange_ = new HttpExchange(this);
+    connect(exchange_, &HttpExchange::bodyReceived, this, [this] { judge(false); });
+    connect(exchange_, &HttpExchange::finished, this, [this] { judge(true); });
+    connect(exchange_, &HttpExchange::failed, this,
+            [this](const HttpError &error) { lookFailed(error.code); });
+    exchange_->start({.url = candidate.url,
+                      .headers = {{"User-Agent", userAgent()}},
+                      .deadline = timeout_,
+                      .maximumBytes = maximumPlaylistBytes});
+}
+
+void StreamResolver::judge(bool complete)
+{
+    const HttpResponse response = exchange_->response();
+    if (response.status < 200 || response.status >= 300 || (complete && exchange_->body().isEmpty())) {
+        next();
+        return;
+    }
+    const QByteArray &body = exchange_->body();
+    if (!complete && body.size() < Playlist::headBytes) {
+        return;
+    }
+    switch (Playlist::kindOf(QByteArrayView(body).first(std::min(body.size(), Playlist::headBytes)))) {
+    case Playlist::Kind::Playlist:
+        if (complete) {
+            const QList<QUrl> entries =
+                current_.depth < maximumDepth ? Playlist::entries(body, response.url) : QList<QUrl>();
+            for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry) {
+                waiting_.push_front({.url = *entry, .depth = current_.depth + 1, .trusted = true});
+            }
+            next();
+        }
+        break;
+    case Playlist::Kind::Markup:
+        next();
+        break;
+    case Playlist::Kind::Media:
+        handOut(response.url);
+        break;
+    }
+}
+
+/// An old stream server does not begin its answer as HTTP does, which the network library takes for the end
+/// of the connection. The player understands such a server, and finds out where it was no such server.
+void StreamResolver::lookFailed(int code)
+{
+    if (code == QNetworkReply::RemoteHostClosedError || code == QNetworkReply::ProtocolFailure) {
+        handOut(current_.url);
+    } else {
+        next();
+    }
+}
+
+void StreamResolver::handOut(const QUrl &stream)
+{
+    // The connection that was looked at is closed before the player opens its own.
+    endLook();
+    if (stream == handedOut_) {
+        next();
+        return;
+    }
+    handedOut_ = stream;
+    Q_EMIT streamFound(stream);
+}
+
+void StreamResolver::endLook()
+{
+    if (exchange_ != nullptr) {
+        exchange_->cancel();
+        exchange_->deleteLater();
+        exchange_ = nullptr;
+    }
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+#include <QUrl>
+#include <chrono>
+#include <deque>
+
+class HttpExchange;
+
+/// Finds the stream behind an address, which may be a playlist, a playlist of playlists, or redirected.
+///
+/// Candidates are tried in order. What a start is given is looked at first; what a playlist names is taken
+/// for a stream and handed out at once, because servers count their listeners and are slow to send the first
+/// bytes. Only when such a stream is refused it is looked at, for it may be a playlist or a redirect after
+/// all. Each candidate has its share of the time that is left, so that a dead one leaves time for the next.
+///
+/// Lives on the main thread. Ends by being destroyed, or with failed().
+class StreamResolver : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// How deep playlists may name playlists.
+    static constexpr int maximumDepth = 3;
+
+    /// What a server that cannot be asked by its own name is told: who is listening.
+    static QByteArray userAgent();
+
+    StreamResolver(const QUrl &address, std::chrono::milliseconds timeout, QObject *parent = nullptr);
+    ~StreamResolver() override;
+
+    /// Begins. Signals may be sent before this returns.
+    void start();
+    /// The stream handed out last could not be played; goes on.
+    void refused();
+
+Q_SIGNALS:
+    void streamFound(const QUrl &stream);
+    /// There is nothing left to try.
+    void failed();
+
+private:
+    struct Candidate
+    {
+        QUrl url;
+        int depth = 0;
+        /// Whether it goes out as a stream unseen.
+        bool trusted = false;
+    };
+
+    void next();
+    void shareTime();
+    void look(const Candidate &candidate);
+    void judge(bool complete);
+    void lookFailed(int code);
+    void handOut(const QUrl &stream);
+    void endLook();
+
+    std::deque<Candidate> waiting_;
+    Candidate current_;
+    /// What has been handed out of the current candidate.
+    QUrl handedOut_;
+    std::chrono::milliseconds timeout_;
+    QElapsedTimer elapsed_;
+    QTimer share_;
+    HttpExchange *exchange_ = nullptr;
+};

@@ -1,0 +1,12 @@
+#include "playback/tuneinaddress.h"
+
+QString tuneInAddress(const QString &tuneInBaseAddress, const QList<AttributeMap> &tuneInRecords,
+                      const StationEntry &station)
+{
+    if (tuneInRecords.isEmpty()) {
+        return {};
+    }
+    const auto base = tuneInRecords.constLast().value("base");
+    return tuneInBaseAddress + (base ? QString::fromUtf8(*base) : QString()) + QLatin1StringView("?id=") +
+           station.text(QLatin1StringView("id"));
+}
