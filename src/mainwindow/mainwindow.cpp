@@ -1,0 +1,123 @@
+#include "mainwindow/mainwindow.h"
+
+#include "ui/svgicon.h"
+#include "ui_mainwindow.h"
+
+#include <QKeyEvent>
+#include <array>
+
+namespace {
+// On the white tool-bar box the ink is dark in every palette.
+constexpr QRgb boxInk = 0xff4b4550;
+constexpr QRgb playInk = 0xffffffff;
+
+constexpr qreal titleScale = 1.35;
+constexpr qreal secondaryScale = 0.95;
+
+/// From the status dot to the listeners; the last column takes the rest.
+constexpr std::array columnWidths{40, 304, 144, 80, 128, 104};
+
+void scaleFont(QWidget *widget, qreal factor)
+{
+    QFont font = widget->font();
+    font.setPointSizeF(font.pointSizeF() * factor);
+    widget->setFont(font);
+}
+} // namespace
+
+MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
+    : ui_(std::make_unique<Ui::MainWindow>())
+{
+    ui_->setupUi(this);
+    const PlayerOutlets outlets{.myTableView = ui_->myTableView,
+                                .progress = ui_->progress,
+                                .searchField = ui_->searchField,
+                                .playerStatusString = ui_->playerStatusString,
+                                .subtitleStatusString = ui_->subtitleStatusString};
+    player_ = std::make_unique<Player>(outlets, endpoints, backend);
+    bindTransport();
+    bindMenus();
+    connect(ui_->searchField, &QLineEdit::returnPressed, player_.get(), &Player::searchForRadio);
+    connect(&player_->stationDirectory(), &StationDirectory::busyChanged, this, &MainWindow::showPlaceholder);
+    player_->awakeFromNib();
+    layOut();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::layOut()
+{
+    scaleFont(ui_->playerStatusString, titleScale);
+    scaleFont(ui_->subtitleStatusString, secondaryScale);
+    ui_->transportStopButton->setIcon(svgIcon(QStringLiteral("stop"), boxInk));
+    ui_->searchField->addAction(svgIcon(QStringLiteral("search"), boxInk), QLineEdit::LeadingPosition);
+
+    QHeaderView *header = ui_->myTableView->horizontalHeader();
+    for (std::size_t section = 0; section < columnWidths.size(); ++section) {
+        header->resizeSection(static_cast<int>(section), columnWidths.at(section));
+    }
+    header->setSectionResizeMode(0, QHeaderView::Fixed);
+    header->setStretchLastSection(true);
+    ui_->myTableView->clearSortIndicator();
+    ui_->myTableView->setSortingEnabled(true);
+    ui_->myTableView->setFocus();
+}
+
+void MainWindow::bindTransport()
+{
+    for (QToolButton *button : {ui_->transportPlayButton, ui_->transportStopButton}) {
+        connect(button, &QToolButton::clicked, player_.get(),
+                [this, button] { player_->audioRackButtonAction(button); });
+        button->installEventFilter(this);
+    }
+    connect(&player_->streamPlayback(), &StreamPlayback::runningChanged, this, &MainWindow::showRunning);
+    showRunning(false);
+}
+
+void MainWindow::bindMenus()
+{
+    connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
+    connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
+    connect(ui_->stopAction, &QAction::triggered, ui_->transportStopButton, &QToolButton::click);
+    connect(ui_->findAction, &QAction::triggered, this, [this] {
+        ui_->searchField->setFocus(Qt::ShortcutFocusReason);
+        ui_->searchField->selectAll();
+    });
+    connect(ui_->topStationsAction, &QAction::triggered, &player_->stationDirectory(),
+            &StationDirectory::getTop500);
+}
+
+/// The button's picture and name say what it would do next; its text is the hub's.
+void MainWindow::showRunning(bool running)
+{
+    const QString name = running ? tr("Pause") : tr("Play");
+    ui_->transportPlayButton->setIcon(
+        svgIcon(running ? QStringLiteral("pause") : QStringLiteral("play"), playInk));
+    ui_->transportPlayButton->setAccessibleName(name);
+    ui_->transportPlayButton->setToolTip(name);
+}
+
+void MainWindow::showPlaceholder(bool busy)
+{
+    ui_->myTableView->setPlaceholderText(busy ? tr("Asking the directory...") : tr("No stations."));
+}
+
+void MainWindow::paintEvent(QPaintEvent *event)
+{
+    QMainWindow::paintEvent(event);
+    if (!painted_) {
+        painted_ = true;
+        QMetaObject::invokeMethod(this, &MainWindow::firstFramePainted, Qt::QueuedConnection);
+    }
+}
+
+/// The space bar presses a button that has the focus, as everywhere; elsewhere it plays and pauses.
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space) {
+        event->accept();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "mainwindow/player.h"
+
+#include <QMainWindow>
+#include <memory>
+
+namespace Ui {
+class MainWindow;
+}
+
+/// The layout of the single main window and its bindings: which control does what of the hub, and what the
+/// controls look like. The hub itself knows the outlets only.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow(const DirectoryEndpoints &endpoints, Backend &backend);
+    ~MainWindow() override;
+
+    Player &player() { return *player_; }
+
+Q_SIGNALS:
+    /// The window has been painted for the first time.
+    void firstFramePainted();
+    void quitRequested();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void layOut();
+    void bindTransport();
+    void bindMenus();
+    void showRunning(bool running);
+    void showPlaceholder(bool busy);
+
+    std::unique_ptr<Ui::MainWindow> ui_;
+    std::unique_ptr<Player> player_;
+    bool painted_ = false;
+};

@@ -1,0 +1,231 @@
+#include "mainwindow/stationtable.h"
+
+#include "directory/displaytext.h"
+#include "directory/exception.h"
+#include "model/rvobject.h"
+#include "ui/svgicon.h"
+
+#include <QCoreApplication>
+#include <array>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace {
+struct Column
+{
+    QLatin1StringView identifier;
+    /// The entry's key that the column sorts by; none where it does not sort.
+    QLatin1StringView sortKey;
+    const char *title;
+    bool isNumber;
+};
+
+constexpr std::array<Column, 7> columns{{
+    {QLatin1StringView("id_status"), {}, "", false},
+    {QLatin1StringView("id_station"), QLatin1StringView("name"), QT_TRANSLATE_NOOP("StationTable", "Station"),
+     false},
+    {QLatin1StringView("id_genre"), QLatin1StringView("genre"), QT_TRANSLATE_NOOP("StationTable", "Genre"),
+     false},
+    {QLatin1StringView("id_bitrate"), QLatin1StringView("bitrate"),
+     QT_TRANSLATE_NOOP("StationTable", "kbit/s"), true},
+    {QLatin1StringView("id_type"), QLatin1StringView("mt"), QT_TRANSLATE_NOOP("StationTable", "Type"), false},
+    {QLatin1StringView("id_listener"), QLatin1StringView("listener"),
+     QT_TRANSLATE_NOOP("StationTable", "Listeners"), true},
+    {QLatin1StringView("id_currenttrack"), QLatin1StringView("ct"),
+     QT_TRANSLATE_NOOP("StationTable", "Current track"), false},
+}};
+
+const Column &columnAt(int section)
+{
+    return columns.at(static_cast<std::size_t>(section));
+}
+
+QVariant typeName(const StationEntry &entry)
+{
+    const QVariant mount = entry.value(QLatin1StringView("mt"));
+    const QString type = mount.toString();
+    if (type == QLatin1StringView("audio/mpeg")) {
+        return QStringLiteral("MP3");
+    }
+    if (type == QLatin1StringView("audio/aacp")) {
+        return QStringLiteral("AAC");
+    }
+    return mount;
+}
+
+/// The user's language, or English where the environment names none: the "C" locale knows neither the order
+/// of words nor thousands separators.
+QLocale displayLocale()
+{
+    const QLocale system = QLocale::system();
+    return system.language() == QLocale::C ? QLocale(QLocale::English) : system;
+}
+
+/// A comparison of rows by keys that are made once. What has no key comes first.
+template <class Key, class KeyOf>
+StationDirectory::RowComparison comparison(const StationList &list, Qt::SortOrder order, const KeyOf &keyOf)
+{
+    auto keys = std::make_shared<std::vector<std::optional<Key>>>();
+    keys->reserve(static_cast<std::size_t>(list.size()));
+    for (const StationEntry &entry : list) {
+        keys->push_back(keyOf(entry));
+    }
+    return [keys, order](qsizetype left, qsizetype right) {
+        if (order == Qt::DescendingOrder) {
+            std::swap(left, right);
+        }
+        return (*keys)[static_cast<std::size_t>(left)] < (*keys)[static_cast<std::size_t>(right)];
+    };
+}
+} // namespace
+
+StationTable::StationTable(QObject *parent)
+    : QAbstractTableModel(parent)
+    , locale_(displayLocale())
+    , collator_(locale_)
+    , circleRed_(svgIcon(QStringLiteral("circle_red")))
+{
+    collator_.setCaseSensitivity(Qt::CaseInsensitive);
+    collator_.setNumericMode(true);
+}
+
+void StationTable::reload(const StationList &radioData)
+{
+    beginResetModel();
+    radioData_ = radioData;
+    endResetModel();
+}
+
+qsizetype StationTable::numberOfRowsInTableView(const QTableView *) const
+{
+    return radioData_.size();
+}
+
+QVariant StationTable::tableViewObjectValueForTableColumn(const QTableView *, QLatin1StringView identifier,
+                                                          qsizetype row) const
+{
+    const StationEntry &entry = elementAt(radioData_, row);
+    if (identifier == QLatin1StringView("id_type")) {
+        return typeName(entry);
+    }
+    if (identifier == QLatin1StringView("id_status")) {
+        return circleRed_;
+    }
+    for (const Column &column : columns) {
+        if (column.identifier == identifier) {
+            return entry.value(column.sortKey);
+        }
+    }
+    return {};
+}
+
+void StationTable::tableViewSortDescriptorsDidChange(const QTableView *,
+                                                     const QList<SortDescriptor> &descriptors)
+{
+    if (descriptors.isEmpty()) {
+        return;
+    }
+    const SortDescriptor &descriptor = descriptors.constFirst();
+    const QByteArray keyName = descriptor.key.toLatin1();
+    const QLatin1StringView key(keyName);
+    const bool isNumber = std::any_of(columns.begin(), columns.end(), [key](const Column &column) {
+        return column.sortKey == key && column.isNumber;
+    });
+    if (isNumber) {
+        Q_EMIT sortRequested(
+            comparison<qint64>(radioData_, descriptor.order, [key](const StationEntry &entry) {
+                const QVariant value = entry.value(key);
+                return value.isValid() ? std::optional(value.toLongLong()) : std::nullopt;
+            }));
+    } else {
+        Q_EMIT sortRequested(comparison<QCollatorSortKey>(
+            radioData_, descriptor.order, [this, key](const StationEntry &entry) {
+                const QString text = entry.text(key);
+                return text.isNull() ? std::nullopt : std::optional(collator_.sortKey(text));
+            }));
+    }
+}
+
+int StationTable::bitrateToStar(double bitrate)
+{
+    switch (static_cast<int>(std::clamp(bitrate, 0.0, 1000.0))) {
+    case 32:
+        return 1;
+    case 64:
+        return 2;
+    case 128:
+        return 3;
+    case 256:
+        return 4;
+    default:
+        return 5;
+    }
+}
+
+QList<SortDescriptor> StationTable::radioItemSortDescriptors()
+{
+    return RVObject::mysortDescriptor(QStringLiteral("star"), true);
+}
+
+int StationTable::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(numberOfRowsInTableView(nullptr));
+}
+
+int StationTable::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(columns.size());
+}
+
+QVariant StationTable::data(const QModelIndex &index, int role) const
+{
+    const Column &column = columnAt(index.column());
+    if (role == Qt::TextAlignmentRole) {
+        return QVariant::fromValue(Qt::AlignVCenter | (column.isNumber ? Qt::AlignRight : Qt::AlignLeft));
+    }
+    const bool isStatus = column.identifier == QLatin1StringView("id_status");
+    const bool wanted =
+        isStatus ? role == Qt::DecorationRole : role == Qt::DisplayRole || role == Qt::ToolTipRole;
+    if (!wanted) {
+        return {};
+    }
+    const QVariant value = tableViewObjectValueForTableColumn(nullptr, column.identifier, index.row());
+    if (isStatus) {
+        return value;
+    }
+    const QString shown = displayedText(value);
+    return role == Qt::ToolTipRole ? shown.toHtmlEscaped() : shown;
+}
+
+QVariant StationTable::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal) {
+        return {};
+    }
+    const Column &column = columnAt(section);
+    switch (role) {
+    case Qt::DisplayRole:
+        return QCoreApplication::translate("StationTable", column.title);
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::AlignVCenter | (column.isNumber ? Qt::AlignRight : Qt::AlignLeft));
+    case identifierRole:
+        return QString(column.identifier);
+    default:
+        return {};
+    }
+}
+
+void StationTable::sort(int column, Qt::SortOrder order)
+{
+    const bool sortable = column >= 0 && !columnAt(column).sortKey.isEmpty();
+    tableViewSortDescriptorsDidChange(nullptr, sortable
+                                                   ? QList<SortDescriptor>{{columnAt(column).sortKey, order}}
+                                                   : QList<SortDescriptor>());
+}
+
+QString StationTable::displayedText(const QVariant &value) const
+{
+    return value.typeId() == QMetaType::LongLong ? locale_.toString(value.toLongLong())
+                                                 : displayText(value.toString());
+}

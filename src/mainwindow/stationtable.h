@@ -1,0 +1,63 @@
+#pragma once
+
+#include "directory/stationdirectory.h"
+#include "model/sortdescriptor.h"
+
+#include <QAbstractTableModel>
+#include <QCollator>
+#include <QIcon>
+#include <QLocale>
+
+class QTableView;
+
+/// What the station table shows: one row for each entry of the station list, as the list stood when reload()
+/// was called last, so that the rows on screen never run past the list behind them.
+class StationTable : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    /// The role of a column's identifier in its header data.
+    static constexpr int identifierRole = Qt::UserRole;
+
+    explicit StationTable(QObject *parent = nullptr);
+
+    /// Shows `radioData`, which shares its entries with the caller's list.
+    void reload(const StationList &radioData);
+
+    /// The number of entries, whichever table asks.
+    qsizetype numberOfRowsInTableView(const QTableView *table) const;
+
+    /// What the column with that identifier shows for the entry at `row`: text, a number, an icon; invalid
+    /// where the entry has nothing there, or for an identifier that is not known. Raises RangeError for a row
+    /// that there is not.
+    QVariant tableViewObjectValueForTableColumn(const QTableView *table, QLatin1StringView identifier,
+                                                qsizetype row) const;
+
+    /// Asks for the list to be sorted by the first of `descriptors`; does nothing where there is none.
+    void tableViewSortDescriptorsDidChange(const QTableView *table, const QList<SortDescriptor> &descriptors);
+
+    /// The star level for a bit rate in kbit/s: exact matches, and the top level for every other value.
+    static int bitrateToStar(double bitrate);
+
+    /// The order that the rack's layout may bind to.
+    static QList<SortDescriptor> radioItemSortDescriptors();
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+Q_SIGNALS:
+    /// The list behind the table is to be sorted by this comparison of its rows, then to be reloaded.
+    void sortRequested(const StationDirectory::RowComparison &before);
+
+private:
+    QString displayedText(const QVariant &value) const;
+
+    StationList radioData_;
+    QLocale locale_;
+    QCollator collator_;
+    QIcon circleRed_;
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QString>
+
+/// The picture `name` among the program's icons, crisp at every size and scale factor.
+QIcon svgIcon(const QString &name);
+
+/// The same drawn in one colour: whatever the picture draws in `currentColor` takes `ink`, and half of it
+/// while disabled.
+QIcon svgIcon(const QString &name, const QColor &ink);
