@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <variant>
+
+/// What the program's arguments ask for.
+namespace CommandLine {
+/// A text to print before the program ends.
+struct Answer
+{
+    QString text;
+    int exitStatus;
+};
+
+struct Run
+{
+};
+
+/// The window, or an answer (help, the version, or what is wrong). Arguments of the platform's ("-platform",
+/// "-style" and others with one dash) are let through. Needs no application object.
+std::variant<Run, Answer> parse(const QStringList &arguments);
+} // namespace CommandLine

@@ -1,0 +1,62 @@
+#include "app/environment.h"
+
+#include "directory/address.h"
+#include "directory/displaytext.h"
+
+#include <optional>
+
+namespace {
+/// The address in a variable without its trailing slashes; null where the variable holds something else.
+QString httpAddress(const QString &value)
+{
+    const QUrl url(value, QUrl::StrictMode);
+    if (!isHttpUrl(url) || url.hasQuery() || url.hasFragment() || !url.userInfo().isEmpty()) {
+        return {};
+    }
+    QString address = value;
+    while (address.endsWith(u'/')) {
+        address.chop(1);
+    }
+    return address;
+}
+
+QString refusal(const QString &variable, const QString &value, const QString &wanted)
+{
+    return QStringLiteral("%1: \"%2\" is not %3").arg(variable, displayText(value), wanted);
+}
+} // namespace
+
+std::variant<Environment, QString> Environment::from(const QProcessEnvironment &variables)
+{
+    const auto directoryVariable = QStringLiteral("PLUMTIDE_DIRECTORY_URL");
+    const auto tuneInVariable = QStringLiteral("PLUMTIDE_TUNEIN_URL");
+    const auto outputVariable = QStringLiteral("PLUMTIDE_AUDIO_OUTPUT");
+    const auto anAddress = QStringLiteral("an http or https address");
+
+    Environment environment;
+    if (const QString value = variables.value(directoryVariable); !value.isEmpty()) {
+        const QString address = httpAddress(value);
+        if (address.isNull()) {
+            return refusal(directoryVariable, value, anAddress);
+        }
+        environment.endpoints.service.baseAddress = address + QLatin1Char('/');
+    }
+    if (const QString value = variables.value(tuneInVariable); !value.isEmpty()) {
+        const QString address = httpAddress(value);
+        if (address.isNull()) {
+            return refusal(tuneInVariable, value, anAddress);
+        }
+        environment.endpoints.tuneInBaseAddress = address;
+    }
+    if (const QString key = variables.value(QStringLiteral("PLUMTIDE_DIRECTORY_KEY")); !key.isEmpty()) {
+        environment.endpoints.service.developerKey = key;
+    }
+    if (const QString value = variables.value(outputVariable); !value.isEmpty()) {
+        const auto output = AudioOutput::fromText(value);
+        if (!output) {
+            return refusal(outputVariable, value, QStringLiteral("\"null\" or \"pcm:FILE\""));
+        }
+        environment.audioOutput = *output;
+    }
+    return environment;
+}

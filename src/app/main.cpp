@@ -1,0 +1,93 @@
+#include "app/commandline.h"
+#include "app/environment.h"
+#include "app/log.h"
+#include "directory/exception.h"
+#include "mainwindow/mainwindow.h"
+#include "playback/mpv/mpvbackend.h"
+#include "ui/look.h"
+#include "ui/svgicon.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
+
+constexpr int unusableEnvironment = 2;
+/// How long the end of the program waits for what is still being torn down.
+constexpr std::chrono::milliseconds tearDownTime{500};
+
+/// Logs what an event handler lets escape; the event is lost, the program goes on.
+class Application : public QApplication
+{
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject *receiver, QEvent *event) override
+    {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const Exception &exception) {
+            qCWarning(lcApp).noquote() << "uncaught exception:" << exception.reason();
+            return true;
+        }
+    }
+};
+
+/// Runs the window until the user quits; everything but the backend is gone afterwards.
+int runWindow(int argc, char **argv, const Environment &environment, MpvBackend &backend)
+{
+    Application application(argc, argv);
+    // The toolkit has just taken over the user's locale; libmpv wants numbers with a point.
+    std::setlocale(LC_NUMERIC, "C");
+    applyLook(application);
+    QApplication::setWindowIcon(svgIcon(QStringLiteral("plumtide")));
+
+    int status = 0;
+    {
+        MainWindow window(environment.endpoints, backend);
+        QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
+        QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
+        window.show();
+        status = QApplication::exec();
+        window.hide();
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return status;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    installLog();
+    QCoreApplication::setApplicationName(QStringLiteral("plumtide"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(PLUMTIDE_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("plumtide"));
+
+    QStringList arguments;
+    for (int index = 0; index < argc; ++index) {
+        arguments.append(QString::fromLocal8Bit(argv[index]));
+    }
+    const auto wanted = CommandLine::parse(arguments);
+    if (const auto *answer = std::get_if<CommandLine::Answer>(&wanted)) {
+        std::fputs(answer->text.toLocal8Bit().constData(), answer->exitStatus == 0 ? stdout : stderr);
+        return answer->exitStatus;
+    }
+
+    const auto environment = Environment::from(QProcessEnvironment::systemEnvironment());
+    if (const auto *refusal = std::get_if<QString>(&environment)) {
+        qCCritical(lcApp).noquote() << *refusal;
+        return unusableEnvironment;
+    }
+
+    MpvBackend backend(std::get<Environment>(environment).audioOutput);
+    const int status = runWindow(argc, argv, std::get<Environment>(environment), backend);
+    if (!backend.waitForTearDowns(tearDownTime)) {
+        // Threads are still at work that exit handlers would pull the ground from under.
+        std::_Exit(status);
+    }
+    return status;
+}
