@@ -1,0 +1,22 @@
+#pragma once
+
+#include "localradio/audiosource.h"
+
+namespace localradio {
+
+/// Plays a format whose frames follow each other without a frame around them: MP3, or AAC in ADTS.
+class ByteLoop : public AudioSource
+{
+public:
+    /// Plays \a loop, whole frames and not empty, from byte \a start; on from there if a frame begins at that
+    /// byte, since live streams are joined amid a frame.
+    ByteLoop(const QByteArray &loop, qsizetype start);
+
+    QByteArray read(qsizetype bytes) override;
+
+private:
+    QByteArray m_loop;
+    qsizetype m_next;
+};
+
+} // namespace localradio

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "localradio/answer.h"
+#include "localradio/catalogue.h"
+#include "localradio/requesttarget.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace localradio {
+
+/// The directory: answers station lists and tune-in playlists from a catalogue.
+class DirectoryService
+{
+public:
+    /// \a catalogue must outlive the service. \a key is what clients must send as "k"; \a origin, such as
+    /// "http://127.0.0.1:8000", is put before stream paths in playlists.
+    DirectoryService(const Catalogue &catalogue, QString key, QString origin);
+
+    /// The answer to a request for \a target; status 404 for what the directory does not have.
+    Answer answer(const RequestTarget &target) const;
+
+private:
+    using Stations = std::vector<const Station *>;
+
+    Answer stationList(const RequestTarget &target) const;
+    Answer playlist(const RequestTarget &target) const;
+    Stations top() const;
+    Stations search(const QString &text) const;
+    Stations random() const;
+    QString streamAddress(const QString &stream) const;
+
+    const Catalogue &m_catalogue;
+    QString m_key;
+    QString m_origin;
+};
+
+} // namespace localradio

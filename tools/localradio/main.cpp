@@ -1,0 +1,182 @@
+#include "localradio/builtincatalogue.h"
+#include "localradio/directoryservice.h"
+#include "localradio/httpserver.h"
+#include "localradio/jsoncatalogue.h"
+#include "localradio/requestlog.h"
+#include "localradio/streammounts.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+
+using namespace localradio;
+
+namespace {
+
+constexpr char description[] = R"(A radio directory and its live streams on this machine alone: what a
+radio player needs to be shown, tried and measured without a network.
+
+It listens on 127.0.0.1 and says on its first line of output where. Clients
+send the developer key as "k"; "limit" is N for the first N stations, or X,Y
+for Y stations after skipping X.
+
+  /legacy/Top500/?k=KEY[&limit=N]                 by number of listeners
+  /legacy/stationsearch?k=KEY&search=TEXT         all words in name, genre, track
+  /station/randomstations?k=KEY&f=xml             a handful picked at random
+  /sbin/tunein-station.pls?id=ID                  also .m3u and .xspf
+  /stream/ID                                      live MP3, AAC or Ogg Vorbis
+
+The built-in stations are invented, the same ones in every run. Each plays a
+soft tone of its own; --list tells the pitch.
+
+To run a small directory of your own, write the stations into a JSON file and
+start with --catalogue FILE. It is an array with one object a station:
+
+  [
+    {"name": "Kitchen Radio", "genre": "Jazz, Lounge",
+     "url": "http://radio.example:8000/kitchen.mp3"},
+    {"id": 42, "name": "Two Roads", "genre": "Folk", "mt": "audio/aacp",
+     "br": 64, "lc": 120, "ct": "Artist - Title",
+     "url": ["http://a.example/live", "https://b.example/live"]}
+  ]
+
+Each station needs "name" and "url", an http or https address or several of
+them, to which clients tune in directly. "genre" may name several, "mt" is the
+media type (audio/mpeg if left out), "br" the bit rate in kbit/s, "lc" the
+number of listeners, "ct" the current track, "logo" a picture's address and
+"id" a number of your choice.)";
+
+/// What the command line asks for.
+struct Options
+{
+    quint16 port = 0;
+    QString key;
+    QString log;
+    QString catalogue;
+    QString loops;
+    double burstSeconds = 0;
+    bool list = false;
+};
+
+/// Reads the command line; help, version and unknown options end the program here. Throws
+/// std::runtime_error for a value that makes no sense.
+Options readOptions(const QCoreApplication &application)
+{
+    const QCommandLineOption port(QStringLiteral("port"),
+                                  QStringLiteral("Port to listen on; 0 picks a free one."),
+                                  QStringLiteral("N"), QStringLiteral("0"));
+    const QCommandLineOption key(QStringLiteral("key"),
+                                 QStringLiteral("Developer key that clients must send."),
+                                 QStringLiteral("KEY"), QStringLiteral("Rk4TnW8pLq2ZbX7m"));
+    const QCommandLineOption log(
+        QStringLiteral("log"),
+        QStringLiteral(
+            "Log requests, answers and ends of streams, one JSON object a line; - is standard output."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption catalogue(
+        QStringLiteral("catalogue"),
+        QStringLiteral("List the stations of this JSON file, not the built-in ones."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption loops(QStringLiteral("loops"),
+                                   QStringLiteral("Where the loops are that the built-in stations play."),
+                                   QStringLiteral("DIR"), StreamMounts::defaultLoopsDirectory());
+    const QCommandLineOption burst(QStringLiteral("burst"),
+                                   QStringLiteral("Audio that a new listener gets at once, 0 to 600."),
+                                   QStringLiteral("SECONDS"), QStringLiteral("16"));
+    const QCommandLineOption list(QStringLiteral("list"),
+                                  QStringLiteral("Print the catalogue as JSON, pitches in Hz, and end."));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString::fromUtf8(description));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({port, key, log, catalogue, loops, burst, list});
+    parser.process(application);
+
+    bool portValid = false;
+    bool burstValid = false;
+    Options options{parser.value(port).toUShort(&portValid),
+                    parser.value(key),
+                    parser.value(log),
+                    parser.value(catalogue),
+                    parser.value(loops),
+                    parser.value(burst).toDouble(&burstValid),
+                    parser.isSet(list)};
+    if (!portValid) {
+        throw std::runtime_error("--port must be a number from 0 to 65535");
+    }
+    if (!burstValid || !(options.burstSeconds >= 0 && options.burstSeconds <= 600)) {
+        throw std::runtime_error("--burst must be a number from 0 to 600");
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        throw std::runtime_error("unexpected argument: " +
+                                 parser.positionalArguments().first().toStdString());
+    }
+    return options;
+}
+
+std::unique_ptr<Catalogue> openCatalogue(const QString &fileName)
+{
+    if (fileName.isEmpty()) {
+        return std::make_unique<BuiltinCatalogue>();
+    }
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error(fileName.toStdString() + ": " + file.errorString().toStdString());
+    }
+    try {
+        return std::make_unique<JsonCatalogue>(file.readAll());
+    } catch (const std::runtime_error &error) {
+        throw std::runtime_error(fileName.toStdString() + ": " + error.what());
+    }
+}
+
+int run(const QCoreApplication &application)
+{
+    const Options options = readOptions(application);
+    const auto catalogue = openCatalogue(options.catalogue);
+    if (options.list) {
+        std::fputs(catalogue->toJson().constData(), stdout);
+        return 0;
+    }
+
+    RequestLog log;
+    if (!options.log.isEmpty() && !log.open(options.log)) {
+        throw std::runtime_error("cannot write the log: " + log.errorString().toStdString());
+    }
+    HttpServer server(options.log.isEmpty() ? nullptr : &log);
+    if (!server.listen(options.port)) {
+        throw std::runtime_error("cannot listen on port " + std::to_string(options.port) + ": " +
+                                 server.errorString().toStdString());
+    }
+    const DirectoryService directory(*catalogue, options.key, server.origin());
+    StreamMounts mounts(*catalogue, options.loops, options.burstSeconds);
+    server.setHandler([&](HttpConnection &connection) {
+        const RequestTarget target(connection.request().target);
+        if (!mounts.serve(connection, target)) {
+            connection.answer(directory.answer(target));
+        }
+    });
+
+    std::printf("localradio: listening on %s/\n", qUtf8Printable(server.origin()));
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("localradio"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    try {
+        return run(application);
+    } catch (const std::runtime_error &error) {
+        std::fprintf(stderr, "localradio: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace localradio {
+
+/// One page of an Ogg stream, as a copy that can be given a new place in a stream. A value; any thread.
+class OggPage
+{
+public:
+    /// Reads the page that begins at \a offset of \a data; the page is not valid if there is none, or only
+    /// a part of one.
+    OggPage(const QByteArray &data, qsizetype offset);
+
+    bool isValid() const { return !m_bytes.isEmpty(); }
+
+    /// The page as it stands in a stream; empty if it is not valid.
+    const QByteArray &bytes() const { return m_bytes; }
+    qsizetype size() const { return m_bytes.size(); }
+
+    /// Whether its first packet began on the page before.
+    bool isContinued() const;
+
+    /// Samples up to the end of the last packet that ends on this page; 0 on the header pages of Vorbis.
+    qint64 granulePosition() const;
+    void setGranulePosition(qint64 position);
+    void setSequenceNumber(quint32 number);
+
+    /// Makes the checksum right again after any of the setters.
+    void updateChecksum();
+
+private:
+    QByteArray m_bytes;
+};
+
+} // namespace localradio

@@ -1,0 +1,46 @@
+#include "localradio/requesttarget.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace localradio {
+
+namespace {
+
+QString decode(const QByteArray &text)
+{
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(text));
+}
+
+QString decodeForm(QByteArray text)
+{
+    return decode(text.replace('+', ' '));
+}
+
+/// What stands before the first \a separator, and what after it.
+std::pair<QByteArray, QByteArray> splitOnce(const QByteArray &text, char separator)
+{
+    const qsizetype at = text.indexOf(separator);
+    return at < 0 ? std::pair(text, QByteArray("")) : std::pair(text.first(at), text.sliced(at + 1));
+}
+
+} // namespace
+
+RequestTarget::RequestTarget(const QByteArray &target)
+{
+    const auto [path, query] = splitOnce(target, '?');
+    m_path = decode(path);
+    for (const QByteArray &pair : query.split('&')) {
+        const auto [name, value] = splitOnce(pair, '=');
+        m_parameters.append({decodeForm(name), decodeForm(value)});
+    }
+}
+
+QString RequestTarget::parameter(QLatin1StringView name) const
+{
+    const auto found =
+        std::ranges::find_if(m_parameters, [name](const auto &entry) { return entry.first == name; });
+    return found == m_parameters.end() ? QString() : found->second;
+}
+
+} // namespace localradio
