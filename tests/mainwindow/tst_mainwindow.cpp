@@ -1,0 +1,303 @@
+#include "directory/exception.h"
+#include "mainwindow/mainwindow.h"
+#include "playback/keypath.h"
+#include "support/fakebackend.h"
+#include "support/scriptedserver.h"
+#include "ui/rvtableview.h"
+#include "ui/spinner.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSettings>
+#include <QTest>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QByteArray answer = R"(<stationlist><tunein base="/tune.pls"/>
+<station name="Station 10" id="1" br="128" lc="20000" mt="audio/mpeg" genre="Pop" ct="A - B"/>
+<station name="station 9" id="2" br="64" lc="3" mt="audio/aacp"/>
+<station name="&lt;b&gt;&#10;Z" id="3" br="1000" mt="AUDIO/MPEG" genre="Jazz"/>
+<station id="4" lc="100" br="x" mt="audio/aac"/></stationlist>)";
+
+/// The real window before a scripted directory and a fake backend.
+struct Stage
+{
+    Stage()
+    {
+        server.scriptBody("/legacy/Top500/", answer);
+        QSettings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s).clear();
+        window = std::make_unique<MainWindow>(
+            DirectoryEndpoints{{.baseAddress = server.address(u"/"_s)}, u"http://tune.example"_s}, backend);
+        window->show();
+    }
+
+    template <class T>
+    T *find(const QString &name)
+    {
+        return window->findChild<T *>(name);
+    }
+    RVTableView *table() { return find<RVTableView>(u"myTableView"_s); }
+    QString title() { return find<QLabel>(u"playerStatusString"_s)->text(); }
+    QString status() { return find<QLabel>(u"subtitleStatusString"_s)->text(); }
+    QString cell(int row, int column) { return table()->model()->index(row, column).data().toString(); }
+    QStringList column(int column)
+    {
+        QStringList texts;
+        for (int row = 0; row < table()->model()->rowCount(); ++row) {
+            texts.append(cell(row, column));
+        }
+        return texts;
+    }
+    void doubleClick(const QPoint &position)
+    {
+        QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, position);
+        QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {}, position);
+    }
+    QPoint middleOf(int row) { return table()->visualRect(table()->model()->index(row, 1)).center(); }
+    void clickHeader(int section)
+    {
+        QHeaderView *header = table()->horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          QPoint(header->sectionViewportPosition(section) + 20, header->height() / 2));
+    }
+
+    ScriptedServer server;
+    FakeBackend backend;
+    std::unique_ptr<MainWindow> window;
+};
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startShowsTheTopStations();
+    void cellsShowTheEntries();
+    void columnsSort_data();
+    void columnsSort();
+    void newAnswerComesUnsorted();
+    void doubleClickPlays();
+    void actionsThatHitNothing();
+    void emptyListCannotBePlayed();
+    void searchFieldAsksTheDirectory();
+    void transportCommands();
+    void storedSettingsAreRead();
+    void starLevels();
+};
+
+void TestMainWindow::startShowsTheTopStations()
+{
+    Stage stage;
+    QCOMPARE(stage.title(), u"idle"_s);
+    QCOMPARE(stage.status(), u"Downloading data"_s);
+    QVERIFY(stage.find<Spinner>(u"progress"_s)->isAnimating());
+    QTRY_COMPARE(stage.status(), u"Download Complete"_s);
+    QVERIFY(!stage.find<Spinner>(u"progress"_s)->isAnimating());
+    QCOMPARE(stage.table()->model()->rowCount(), 4);
+    QVERIFY(!stage.table()->selectionModel()->hasSelection());
+    for (QWidget *control : stage.window->findChildren<QWidget *>()) {
+        if (control->focusPolicy() != Qt::NoFocus && control->isVisible()) {
+            QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(control->objectName()));
+        }
+    }
+}
+
+void TestMainWindow::cellsShowTheEntries()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    QCOMPARE(stage.column(1), (QStringList{u"Station 10"_s, u"station 9"_s, u"<b> Z"_s, u""_s}));
+    QCOMPARE(stage.column(3), (QStringList{u"128"_s, u"64"_s, u"1,000"_s, u"0"_s}));
+    QCOMPARE(stage.column(4), (QStringList{u"MP3"_s, u"AAC"_s, u"AUDIO/MPEG"_s, u"audio/aac"_s}));
+    QCOMPARE(stage.column(5), (QStringList{u"20,000"_s, u"3"_s, u""_s, u"100"_s}));
+    QCOMPARE(stage.cell(0, 6), u"A - B"_s);
+    QCOMPARE(stage.table()->model()->index(2, 1).data(Qt::ToolTipRole), QVariant(u"&lt;b&gt; Z"_s));
+
+    auto *stations = static_cast<StationTable *>(stage.table()->model());
+    QVERIFY(stations->tableViewObjectValueForTableColumn(nullptr, "id_status"_L1, 3).canConvert<QIcon>());
+    QVERIFY(!stations->tableViewObjectValueForTableColumn(nullptr, "id_other"_L1, 0).isValid());
+    QVERIFY_THROWS_EXCEPTION(RangeError,
+                             stations->tableViewObjectValueForTableColumn(nullptr, "id_genre"_L1, 4));
+}
+
+void TestMainWindow::columnsSort_data()
+{
+    QTest::addColumn<int>("section");
+    QTest::addColumn<QStringList>("ascending");
+    QTest::newRow("names, naturally") << 1 << QStringList{u""_s, u"<b> Z"_s, u"station 9"_s, u"Station 10"_s};
+    QTest::newRow("listeners, as numbers")
+        << 5 << QStringList{u"<b> Z"_s, u"station 9"_s, u""_s, u"Station 10"_s};
+    QTest::newRow("types, as sent") << 4 << QStringList{u""_s, u"station 9"_s, u"Station 10"_s, u"<b> Z"_s};
+}
+
+void TestMainWindow::columnsSort()
+{
+    QFETCH(int, section);
+    QFETCH(QStringList, ascending);
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    stage.clickHeader(section);
+    QCOMPARE(stage.column(1), ascending);
+    QCOMPARE(stage.window->player().stationDirectory().radioData().at(3).text("name"_L1).simplified(),
+             ascending.at(3).simplified());
+    if (section == 5) {
+        stage.clickHeader(section);
+        std::reverse(ascending.begin(), ascending.end());
+        QCOMPARE(stage.column(1), ascending);
+    }
+    stage.doubleClick(stage.middleOf(1));
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.title(), ascending.at(section == 5 ? 1 : 1));
+}
+
+void TestMainWindow::newAnswerComesUnsorted()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    stage.clickHeader(1);
+    QCOMPARE(stage.table()->horizontalHeader()->sortIndicatorSection(), 1);
+    stage.find<QAction>(u"topStationsAction"_s)->trigger();
+    QTRY_COMPARE(stage.column(1).constFirst(), u"Station 10"_s);
+    QCOMPARE(stage.table()->horizontalHeader()->sortIndicatorSection(), -1);
+}
+
+void TestMainWindow::doubleClickPlays()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    stage.doubleClick(stage.middleOf(2));
+    QCOMPARE(stage.title(), u"<b> Z"_s);
+    QCOMPARE(stage.status(), u"Connecting please wait.."_s);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.backend.player->item().request.url, QUrl(u"http://tune.example/tune.pls?id=3"_s));
+
+    // Enter plays the current row in the same way.
+    QTest::keyClick(stage.table(), Qt::Key_Up);
+    QTest::keyClick(stage.table(), Qt::Key_Return);
+    QCOMPARE(stage.title(), u"station 9"_s);
+    QTRY_COMPARE(stage.backend.journal().count(u"player"_s), 2);
+    QCOMPARE(stage.backend.livePlayers, 1);
+}
+
+void TestMainWindow::actionsThatHitNothing()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    QTest::ignoreMessage(QtWarningMsg, "UI getting error notified, ignored!");
+    stage.doubleClick(QPoint(40, stage.table()->viewport()->height() - 4));
+    QCOMPARE(stage.table()->clickedRow(), -1);
+    QCOMPARE(stage.title(), u"idle"_s);
+
+    // Without a tune-in record there is no address, and nothing happens at all.
+    stage.server.scriptBody("/legacy/Top500/", "<l><station name='x' id='1'/></l>");
+    stage.find<QAction>(u"topStationsAction"_s)->trigger();
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 1);
+    stage.doubleClick(stage.middleOf(0));
+    QCOMPARE(stage.title(), u"idle"_s);
+    QCOMPARE(stage.status(), u"Download Complete"_s);
+}
+
+void TestMainWindow::emptyListCannotBePlayed()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    stage.doubleClick(stage.middleOf(0));
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    stage.server.scriptBody("/legacy/Top500/", "<l/>");
+    stage.find<QAction>(u"topStationsAction"_s)->trigger();
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 0);
+    stage.doubleClick(QPoint(40, 40));
+    QCOMPARE(stage.title(), u"Error playing station"_s);
+    QCOMPARE(stage.status(), u"radio data is broken, please try again"_s);
+    QCOMPARE(stage.backend.livePlayers, 1);
+}
+
+void TestMainWindow::searchFieldAsksTheDirectory()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.status(), u"Download Complete"_s);
+    auto *field = stage.find<QLineEdit>(u"searchField"_s);
+    QTest::keyClick(field, Qt::Key_Return);
+    QTest::keyClicks(field, u"jazz rock"_s);
+    QTest::keyClick(field, Qt::Key_Return);
+    QCOMPARE(stage.status(), u"Downloading data"_s);
+    QTRY_COMPARE(stage.server.requests().size(), 2);
+    QVERIFY(stage.server.targets().at(1).endsWith("&search=jazz+rock"));
+}
+
+void TestMainWindow::transportCommands()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    auto *play = stage.find<QToolButton>(u"transportPlayButton"_s);
+    auto *stop = stage.find<QToolButton>(u"transportStopButton"_s);
+    play->click();
+    stop->click();
+    QCOMPARE(stage.title(), u"idle"_s);
+    QCOMPARE(play->accessibleName(), u"Play"_s);
+
+    stage.doubleClick(stage.middleOf(0));
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    stage.backend.player->item().report(KeyPath::loadedTimeRanges, QVariantList{1});
+    QCOMPARE(stage.status(), u"- Streaming -"_s);
+    QCOMPARE(play->accessibleName(), u"Pause"_s);
+    play->click();
+    QCOMPARE(play->text(), u"Play"_s);
+    QCOMPARE(play->accessibleName(), u"Play"_s);
+    QCOMPARE(stage.status(), u"Paused (buffering in background)"_s);
+    play->click();
+    QCOMPARE(play->text(), u"Pause"_s);
+
+    // The space bar leaves the button's text alone, but not what it shows.
+    stage.find<QAction>(u"spaceKeyAction"_s)->trigger();
+    QCOMPARE(play->text(), u"Pause"_s);
+    QCOMPARE(play->accessibleName(), u"Play"_s);
+    QCOMPARE(stage.backend.player->rate(), 0.0F);
+
+    play->setProperty("tag", 201);
+    play->click();
+    QCOMPARE(stage.backend.player->rate(), 0.0F);
+    stop->click();
+    QCOMPARE(stage.title(), u"idle"_s);
+    QCOMPARE(stage.status(), u"Terminated / lost connection"_s);
+    QCOMPARE(play->text(), u"Pause"_s);
+    QCOMPARE(stage.backend.livePlayers, 0);
+}
+
+void TestMainWindow::storedSettingsAreRead()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.server.requests().size(), 1);
+    QVERIFY(!stage.server.targets().constFirst().contains("limit"));
+    {
+        QSettings settings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s);
+        settings.setValue("query_value", 100);
+        settings.setValue("timeout_value", 20);
+    }
+    MainWindow second({{.baseAddress = stage.server.address(u"/"_s)}, u"http://tune.example"_s},
+                      stage.backend);
+    QTRY_COMPARE(stage.server.requests().size(), 2);
+    QVERIFY(stage.server.targets().at(1).endsWith("&limit=100"));
+    second.player().streamPlayback().executeSynchAVPlayer(u"http://h/"_s, u"x"_s);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.backend.player->item().request.timeout, 20.0);
+}
+
+void TestMainWindow::starLevels()
+{
+    QList<int> levels;
+    for (const double bitrate : {32.0, 64.9, 128.0, 256.0, 0.0, 96.0, 320.0, -1e300}) {
+        levels.append(StationTable::bitrateToStar(bitrate));
+    }
+    QCOMPARE(levels, (QList<int>{1, 2, 3, 4, 5, 5, 5, 5}));
+    QCOMPARE(StationTable::radioItemSortDescriptors(),
+             (QList<SortDescriptor>{{u"star"_s, Qt::AscendingOrder}}));
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

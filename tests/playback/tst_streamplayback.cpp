@@ -1,0 +1,314 @@
+#include "playback/keypath.h"
+#include "playback/streamplayback.h"
+#include "playback/tuneinaddress.h"
+#include "support/fakebackend.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+/// Playback on fakes, with the two texts as the window would show them.
+struct Stage
+{
+    explicit Stage(const QVariant &storedTimeout = {})
+        : playback(backend, [storedTimeout] { return storedTimeout; })
+    {
+        QObject::connect(&playback, &StreamPlayback::titleChanged,
+                         [this](const QString &text) { title = text; });
+        QObject::connect(&playback, &StreamPlayback::statusChanged, [this](const QString &text) {
+            status = text;
+            statuses.append(text);
+        });
+        QObject::connect(&playback, &StreamPlayback::tornDown, [this] { ++tornDown; });
+        QObject::connect(&playback, &StreamPlayback::runningChanged, [this](bool now) { running = now; });
+    }
+
+    /// Starts a stream and waits for its player.
+    void play(const QString &name = u"Station"_s)
+    {
+        playback.executeSynchAVPlayer(u"http://h/"_s + name, name);
+        QTRY_VERIFY(backend.player != nullptr);
+    }
+
+    FakeItem &item() { return backend.player->item(); }
+    void reportRanges(const QVariantList &ranges = {1}) { item().report(KeyPath::loadedTimeRanges, ranges); }
+
+    FakeBackend backend;
+    StreamPlayback playback;
+    QString title;
+    QString status;
+    QStringList statuses;
+    int tornDown = 0;
+    bool running = false;
+};
+} // namespace
+
+class TestStreamPlayback : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textOfEachReport_data();
+    void textOfEachReport();
+    void bufferReportsTearDown_data();
+    void bufferReportsTearDown();
+    void observersComeAndGoInOrder();
+    void lateReportsAreIgnored();
+    void lastItemIsHeardAlone();
+    void pauseAndResume();
+    void timeout_data();
+    void timeout();
+    void timeoutWithoutPlayer();
+    void absentAddresses();
+    void addressesAreEscaped();
+    void tuneInAddresses();
+};
+
+void TestStreamPlayback::textOfEachReport_data()
+{
+    QTest::addColumn<QString>("keyPath");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<float>("rate");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isPlaying");
+    const QString before = u"Connecting please wait.."_s;
+    const QVariantList ranges{1};
+    const QString loaded = KeyPath::loadedTimeRanges.toString();
+    const QString likely = KeyPath::playbackLikelyToKeepUp.toString();
+    QTest::newRow("ready") << u"status"_s << QVariant(1) << 1.0F << before << false;
+    QTest::newRow("failed") << u"status"_s << QVariant(2) << 1.0F << u"Failed"_s << false;
+    QTest::newRow("unknown") << u"status"_s << QVariant(0) << 1.0F << u"Failed"_s << false;
+    QTest::newRow("other status") << u"status"_s << QVariant(3) << 1.0F << before << false;
+    QTest::newRow("likely") << likely << QVariant(true) << 1.0F << u"Buffering .."_s << false;
+    QTest::newRow("unlikely") << likely << QVariant(false) << 1.0F << u"Buffering .."_s << false;
+    QTest::newRow("ranges") << loaded << QVariant(ranges) << 1.0F << u"- Streaming -"_s << true;
+    QTest::newRow("ranges at NaN") << loaded << QVariant(ranges) << std::numeric_limits<float>::quiet_NaN()
+                                   << u"- Streaming -"_s << true;
+    QTest::newRow("ranges at rest") << loaded << QVariant(ranges) << 0.0F << u"Disconnect"_s << false;
+    QTest::newRow("no ranges") << loaded << QVariant(QVariantList()) << 1.0F << before << false;
+    QTest::newRow("absent ranges") << loaded << QVariant() << 1.0F << before << false;
+    QTest::newRow("unknown key path") << u"duration"_s << QVariant(1) << 1.0F << before << false;
+}
+
+void TestStreamPlayback::textOfEachReport()
+{
+    QFETCH(QString, keyPath);
+    QFETCH(QVariant, value);
+    QFETCH(float, rate);
+    Stage stage;
+    stage.play();
+    QCOMPARE(stage.title, u"Station"_s);
+    stage.backend.player->setRate(rate);
+    if (keyPath == KeyPath::status) {
+        stage.backend.player->reportStatus(value.toInt());
+    } else {
+        stage.item().addObserver(nullptr, u"nothing");
+        stage.item().report(keyPath, value);
+    }
+    QTEST(stage.status, "text");
+    QTEST(stage.playback.isPlaying(), "isPlaying");
+    QVERIFY(stage.backend.player != nullptr);
+}
+
+void TestStreamPlayback::bufferReportsTearDown_data()
+{
+    QTest::addColumn<QString>("keyPath");
+    QTest::addColumn<QString>("notice");
+    QTest::newRow("empty") << KeyPath::playbackBufferEmpty.toString() << u"Lost connection !"_s;
+    QTest::newRow("full") << KeyPath::playbackBufferFull.toString() << u"Buffer is full !"_s;
+}
+
+void TestStreamPlayback::bufferReportsTearDown()
+{
+    QFETCH(QString, keyPath);
+    QFETCH(QString, notice);
+    Stage stage;
+    stage.play();
+    stage.reportRanges();
+    QVERIFY(stage.running);
+    stage.item().report(keyPath, false);
+    QCOMPARE(stage.statuses.mid(stage.statuses.size() - 2),
+             (QStringList{notice, u"Terminated / lost connection"_s}));
+    QCOMPARE(stage.title, u"idle"_s);
+    QVERIFY(!stage.playback.isPlaying());
+    QVERIFY(!stage.running);
+    QVERIFY(!stage.playback.globalTimer());
+    QCOMPARE(stage.backend.livePlayers, 0);
+    QCOMPARE(stage.tornDown, 1);
+
+    stage.statuses.clear();
+    stage.playback.destroyPlayer();
+    QVERIFY(stage.statuses.isEmpty());
+    QCOMPARE(stage.tornDown, 1);
+}
+
+void TestStreamPlayback::observersComeAndGoInOrder()
+{
+    const QStringList added{u"item http://h/A"_s,
+                            u"+playbackBufferEmpty"_s,
+                            u"+playbackBufferFull"_s,
+                            u"+playbackLikelyToKeepUp"_s,
+                            u"+loadedTimeRanges"_s,
+                            u"player"_s,
+                            u"+status"_s};
+    const QStringList itemLeft{u"-playbackLikelyToKeepUp"_s, u"-playbackBufferEmpty"_s,
+                               u"-playbackBufferFull"_s, u"-loadedTimeRanges"_s};
+    Stage stage;
+    stage.play(u"A"_s);
+    QCOMPARE(stage.backend.journal(), added);
+
+    // A new start releases the player before it stops observing the item; the end of one does it the other
+    // way about.
+    stage.backend.clearJournal();
+    stage.playback.executeSynchAVPlayer(u"http://h/B"_s, u"B"_s);
+    QCOMPARE(stage.backend.journal().first(6), QStringList({u"-status"_s, u"~player"_s}) + itemLeft);
+    QCOMPARE(stage.title, u"B"_s);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+
+    stage.backend.clearJournal();
+    stage.playback.destroyPlayer();
+    QCOMPARE(stage.backend.journal(),
+             QStringList{u"-status"_s} + itemLeft + QStringList({u"~player"_s, u"~item"_s}));
+}
+
+void TestStreamPlayback::lateReportsAreIgnored()
+{
+    Stage stage;
+    stage.play(u"A"_s);
+    const auto stale = std::static_pointer_cast<FakeItem>(stage.playback.playeritem());
+    stage.playback.executeSynchAVPlayer(u"http://h/B"_s, u"B"_s);
+    QTRY_COMPARE(stage.backend.livePlayers, 1);
+    stage.statuses.clear();
+    for (const QStringView keyPath : {KeyPath::loadedTimeRanges, KeyPath::playbackBufferEmpty}) {
+        stale->report(keyPath, QVariantList{1});
+    }
+    QVERIFY(stage.statuses.isEmpty());
+    QVERIFY(stage.backend.player != nullptr);
+}
+
+/// Both items are made before the main thread takes the first of them.
+void TestStreamPlayback::lastItemIsHeardAlone()
+{
+    Stage stage;
+    {
+        const std::scoped_lock held(stage.backend.itemGate);
+        stage.playback.executeSynchAVPlayer(u"http://h/A"_s, u"A"_s);
+        stage.playback.executeSynchAVPlayer(u"http://h/B"_s, u"B"_s);
+    }
+    QTRY_COMPARE(stage.backend.journal().count(u"player"_s), 2);
+    QCOMPARE(stage.backend.livePlayers, 1);
+    QCOMPARE(stage.item().request.url, QUrl(u"http://h/B"_s));
+    QCOMPARE(stage.backend.journal().filter(u"item http"_s),
+             (QStringList{u"item http://h/A"_s, u"item http://h/B"_s}));
+
+    stage.reportRanges();
+    QCOMPARE(stage.status, u"- Streaming -"_s);
+    stage.playback.destroyPlayer();
+    QCOMPARE(stage.backend.livePlayers, 0);
+    QCOMPARE(stage.backend.journal().count(u"~item"_s), 2);
+}
+
+void TestStreamPlayback::pauseAndResume()
+{
+    Stage stage;
+    QCOMPARE(stage.playback.togglePause(), StreamPlayback::Toggle::NoPlayer);
+    stage.play();
+    stage.reportRanges();
+    QCOMPARE(stage.playback.togglePause(), StreamPlayback::Toggle::Paused);
+    QCOMPARE(stage.status, u"Paused (buffering in background)"_s);
+    QVERIFY(!stage.playback.isPlaying());
+    QVERIFY(!stage.running);
+    QCOMPARE(stage.playback.togglePause(), StreamPlayback::Toggle::Resumed);
+    QCOMPARE(stage.status, u"Paused (buffering in background)"_s);
+    QVERIFY(stage.playback.isPlaying());
+    QVERIFY(stage.running);
+}
+
+void TestStreamPlayback::timeout_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<bool>("streamed");
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("never streamed") << QVariant(1) << false << 1000;
+    QTest::newRow("streamed") << QVariant(1) << true << 1000;
+    QTest::newRow("no number") << QVariant(u"x"_s) << false << 0;
+    QTest::newRow("negative") << QVariant(-3) << false << 0;
+}
+
+void TestStreamPlayback::timeout()
+{
+    QFETCH(QVariant, stored);
+    QFETCH(bool, streamed);
+    QFETCH(int, milliseconds);
+    Stage stage(stored);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    stage.playback.executeSynchAVPlayer(u"http://h/"_s, u"Station"_s);
+    if (streamed) {
+        QTRY_VERIFY(stage.backend.player != nullptr);
+        stage.reportRanges();
+        QTRY_VERIFY(!stage.playback.globalTimer());
+        QCOMPARE(stage.status, u"- Streaming -"_s);
+        QVERIFY(stage.backend.player != nullptr);
+    } else {
+        QTRY_COMPARE(stage.status, u"Server is not responding"_s);
+    }
+    QVERIFY(elapsed.elapsed() >= milliseconds);
+}
+
+/// The time-out of a start passes while its item is still being made: the start goes on without one.
+void TestStreamPlayback::timeoutWithoutPlayer()
+{
+    Stage stage(0);
+    {
+        const std::scoped_lock held(stage.backend.itemGate);
+        stage.playback.executeSynchAVPlayer(u"http://h/"_s, u"Station"_s);
+        QTRY_COMPARE(stage.status, u"Server is not responding"_s);
+        QCOMPARE(stage.title, u"Station"_s);
+        QCOMPARE(stage.tornDown, 0);
+    }
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    stage.reportRanges();
+    QCOMPARE(stage.status, u"- Streaming -"_s);
+}
+
+void TestStreamPlayback::absentAddresses()
+{
+    Stage stage;
+    stage.playback.playRadioFromURL({}, u"Station"_s);
+    stage.playback.playRadioFromURL(u""_s, u"Station"_s);
+    stage.playback.executeSynchAVPlayer({}, u"Station"_s);
+    QVERIFY(stage.title.isNull() && stage.status.isNull());
+
+    // An empty address is one that does not parse.
+    stage.playback.executeSynchAVPlayer(u""_s, u"Station"_s);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QVERIFY(!stage.item().request.url.isValid());
+}
+
+void TestStreamPlayback::addressesAreEscaped()
+{
+    Stage stage(25);
+    stage.playback.playRadioFromURL(u"http://h/a b/\u00e9?x=%41"_s, u"Station"_s);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.item().request.url.toEncoded(), "http://h/a%20b/%C3%A9?x=%2541");
+    QCOMPARE(stage.item().request.timeout, 25.0);
+}
+
+void TestStreamPlayback::tuneInAddresses()
+{
+    const StationEntry station(AttributeMap(QByteArray("name\0id\0", 8), QByteArray("A\0"
+                                                                                    "42\0",
+                                                                                    5)));
+    const AttributeMap based(QByteArray("base\0", 5), QByteArray("/tune.pls\0", 10));
+    const AttributeMap baseless(QByteArray("other\0", 6), QByteArray("x\0", 2));
+    QVERIFY(tuneInAddress(u"http://h"_s, {}, station).isNull());
+    QCOMPARE(tuneInAddress(u"http://h"_s, {baseless, based}, station), u"http://h/tune.pls?id=42"_s);
+    QCOMPARE(tuneInAddress(u"http://h"_s, {based, baseless}, station), u"http://h?id=42"_s);
+}
+
+QTEST_GUILESS_MAIN(TestStreamPlayback)
+#include "tst_streamplayback.moc"

@@ -1,0 +1,161 @@
+#include "playback/playlist.h"
+#include "playback/streamresolver.h"
+#include "support/scriptedserver.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QByteArray sound =
+    "HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\n\x07<html>" + QByteArray(100, '\x01');
+
+QStringList texts(const QList<QUrl> &urls)
+{
+    QStringList list;
+    for (const QUrl &url : urls) {
+        list.append(url.toString());
+    }
+    return list;
+}
+} // namespace
+
+class TestStreamResolver : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void kinds_data();
+    void kinds();
+    void entries_data();
+    void entries();
+    void tooManyEntriesAreCut();
+    void candidates_data();
+    void candidates();
+    void deadCandidatesLeaveTime();
+};
+
+void TestStreamResolver::kinds_data()
+{
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<Playlist::Kind>("kind");
+    QTest::newRow("pls") << QByteArray("\xef\xbb\xbf\r\n[PlayList]\nFile1=") << Playlist::Kind::Playlist;
+    QTest::newRow("m3u") << QByteArray("#EXTM3U\n") << Playlist::Kind::Playlist;
+    QTest::newRow("bare lines") << QByteArray("http://h/a\n") << Playlist::Kind::Playlist;
+    QTest::newRow("web page") << QByteArray("<!DOCTYPE html>") << Playlist::Kind::Markup;
+    QTest::newRow("frame that begins like a page") << QByteArray("<\x00\xff\xfb", 4) << Playlist::Kind::Media;
+    QTest::newRow("frame that begins like a list") << QByteArray("#EXT\x01\x02") << Playlist::Kind::Media;
+    QTest::newRow("Ogg") << QByteArray("OggS\0\2", 6) << Playlist::Kind::Media;
+}
+
+void TestStreamResolver::kinds()
+{
+    QFETCH(QByteArray, head);
+    QFETCH(Playlist::Kind, kind);
+    QVERIFY(Playlist::kindOf(head) == kind);
+}
+
+void TestStreamResolver::entries_data()
+{
+    QTest::addColumn<QByteArray>("playlist");
+    QTest::addColumn<QStringList>("addresses");
+    QTest::newRow("pls, by number")
+        << QByteArray("\xef\xbb\xbf[playlist]\r\nFile10=http://h/c\r\nTitle1=http://no\r\n"
+                      "File2= http://h/b \r\nfile1=https://h/a\r\n")
+        << QStringList{u"https://h/a"_s, u"http://h/b"_s, u"http://h/c"_s};
+    QTest::newRow("other schemes")
+        << QByteArray("[playlist]\nFile1=file:///etc/passwd\nFile2=memory://x\n"
+                      "File3=edl://x\nFile4=/etc/passwd\nFile5=http:///x\nFile6=http://h/")
+        << QStringList{u"http://h/"_s};
+    QTest::newRow("m3u") << QByteArray("#EXTM3U\n#EXTINF:-1,x\nhttp://h/a\n\n  rel/b\nfile:///x\n")
+                         << QStringList{u"http://h/a"_s, u"http://base/dir/rel/b"_s};
+    QTest::newRow("old line ends") << QByteArray("http://h/a\rhttp://h/b")
+                                   << QStringList{u"http://h/a"_s, u"http://h/b"_s};
+    QTest::newRow("segments") << QByteArray("#EXTM3U\n#EXT-X-TARGETDURATION:5\nhttp://h/1.ts")
+                              << QStringList{};
+    QTest::newRow("none") << QByteArray("[playlist]\nnumberofentries=0") << QStringList{};
+}
+
+void TestStreamResolver::entries()
+{
+    QFETCH(QByteArray, playlist);
+    QTEST(texts(Playlist::entries(playlist, QUrl(u"http://base/dir/list.m3u"_s))), "addresses");
+}
+
+void TestStreamResolver::tooManyEntriesAreCut()
+{
+    QByteArray playlist = "[playlist]\n";
+    for (int number = 1; number <= 1000; ++number) {
+        playlist += "File" + QByteArray::number(number) + "=http://h/" + QByteArray::number(number) + "\n";
+    }
+    const QList<QUrl> entries = Playlist::entries(playlist, {});
+    QCOMPARE(entries.size(), Playlist::maximumEntries);
+    QCOMPARE(entries.constLast().path(), u"/64"_s);
+}
+
+void TestStreamResolver::candidates_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QStringList>("handedOut");
+    QTest::newRow("a stream") << QByteArray("/sound") << QStringList{u"/sound"_s};
+    QTest::newRow("a redirect") << QByteArray("/moved") << QStringList{u"/sound"_s};
+    QTest::newRow("an old server") << QByteArray("/icy") << QStringList{u"/icy"_s};
+    // Handed out unseen, then looked at: the entry that was a redirect is found out.
+    QTest::newRow("a playlist") << QByteArray("/list") << QStringList{u"/gone"_s, u"/moved"_s, u"/sound"_s};
+    QTest::newRow("itself") << QByteArray("/self") << QStringList{u"/self"_s, u"/self"_s, u"/self"_s};
+    QTest::newRow("a web page") << QByteArray("/page") << QStringList{};
+    QTest::newRow("an error page") << QByteArray("/gone") << QStringList{};
+    QTest::newRow("nothing") << QByteArray("/empty") << QStringList{};
+    QTest::newRow("too long") << QByteArray("/endless") << QStringList{};
+}
+
+/// Everything that is handed out is refused, so that each candidate comes to light.
+void TestStreamResolver::candidates()
+{
+    QFETCH(QByteArray, start);
+    ScriptedServer server;
+    server.script("/sound", sound, ScriptedServer::After::StayOpen);
+    server.script("/moved", "HTTP/1.0 302 x\r\nLocation: /sound\r\n\r\n");
+    server.script("/icy", "ICY 200 OK\r\nicy-name: x\r\n\r\n" + QByteArray(100, '\x01'),
+                  ScriptedServer::After::StayOpen);
+    server.scriptBody("/gone", QByteArray(200, '\x01'), "404 Not Found");
+    server.scriptBody("/page", "<html><body>Welcome</body></html>");
+    server.scriptBody("/empty", "");
+    server.scriptBody("/list", "[playlist]\nFile1=" + server.address(u"/gone"_s).toLatin1() +
+                                   "\nFile2=" + server.address(u"/moved"_s).toLatin1());
+    server.scriptBody("/self", "http://127.0.0.1:" + QByteArray::number(server.serverPort()) + "/self\n");
+    server.script("/endless", "HTTP/1.0 200 OK\r\n\r\n[playlist]\n" + QByteArray(300 * 1024, 'x'),
+                  ScriptedServer::After::StayOpen);
+
+    StreamResolver resolver(QUrl(server.address(QString::fromLatin1(start))), std::chrono::seconds(10));
+    QStringList handedOut;
+    connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
+        handedOut.append(stream.path());
+        QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
+    });
+    const QSignalSpy failed(&resolver, &StreamResolver::failed);
+    resolver.start();
+    QTRY_COMPARE(failed.size(), 1);
+    QTEST(handedOut, "handedOut");
+    QTRY_COMPARE(server.openConnections(), 0);
+    for (const QByteArray &request : server.requests()) {
+        QVERIFY(request.contains("User-Agent: Plumtide/"));
+    }
+}
+
+void TestStreamResolver::deadCandidatesLeaveTime()
+{
+    ScriptedServer server;
+    server.scriptBody("/list", "[playlist]\nFile1=http://127.0.0.1:1/silent\nFile2=" +
+                                   server.address(u"/live"_s).toLatin1());
+    StreamResolver resolver(QUrl(server.address(u"/list"_s)), std::chrono::seconds(2));
+    const QSignalSpy found(&resolver, &StreamResolver::streamFound);
+    resolver.start();
+    // Nobody refuses the first one; its share of the time runs out.
+    QTRY_COMPARE_WITH_TIMEOUT(found.size(), 2, 2000);
+    QCOMPARE(found.at(1).at(0).toUrl().path(), u"/live"_s);
+}
+
+QTEST_GUILESS_MAIN(TestStreamResolver)
+#include "tst_streamresolver.moc"

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "playback/backend.h"
+
+#include <QStringList>
+#include <mutex>
+#include <vector>
+
+class FakeBackend;
+
+/// An item whose reports are made by a test.
+class FakeItem : public BackendItem
+{
+public:
+    FakeItem(FakeBackend &backend, const StreamRequest &request);
+    ~FakeItem() override;
+
+    void report(QStringView keyPath, const QVariant &value = true) { notify(keyPath, value); }
+    void addObserver(Observer *observer, QStringView keyPath) override;
+    void removeObserver(Observer *observer, QStringView keyPath) override;
+
+    const StreamRequest request;
+
+private:
+    FakeBackend &backend_;
+};
+
+/// A player whose status and rate are set by a test.
+class FakePlayer : public BackendPlayer
+{
+public:
+    FakePlayer(FakeBackend &backend, std::shared_ptr<FakeItem> item);
+    ~FakePlayer() override;
+
+    Status status() const override { return status_; }
+    float rate() const override { return rate_; }
+    void play() override { rate_ = 1; }
+    void pause() override { rate_ = 0; }
+    const BackendItem *currentItem() const override { return item_.get(); }
+    void addObserver(Observer *observer, QStringView keyPath) override;
+    void removeObserver(Observer *observer, QStringView keyPath) override;
+
+    void setRate(float rate) { rate_ = rate; }
+    void reportStatus(int status);
+    FakeItem &item() { return *item_; }
+
+private:
+    FakeBackend &backend_;
+    std::shared_ptr<FakeItem> item_;
+    Status status_ = Unknown;
+    float rate_ = 0;
+};
+
+/// Makes fakes and writes down, in order, what is done with them.
+class FakeBackend : public Backend
+{
+public:
+    std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
+    std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
+
+    /// "item URL", "player", "+KEYPATH", "-KEYPATH", "~player", "~item".
+    QStringList journal() const;
+    void clearJournal();
+    void write(const QString &line);
+
+    /// While held, makeItem() waits.
+    std::mutex itemGate;
+    /// The player made last; null once it has been released.
+    FakePlayer *player = nullptr;
+    int livePlayers = 0;
+
+private:
+    mutable std::mutex mutex_;
+    QStringList journal_;
+};

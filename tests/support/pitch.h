@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// The strongest pitch, in Hz, of the last second or so of a 16-bit stereo WAV file that may still be
+/// growing; 0 where the file is too short or holds silence.
+double strongestPitch(const QString &wavFile);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QTcpServer>
+
+class QTcpSocket;
+
+/// A server on a loopback port that answers each path with bytes that a test has written, status line and
+/// all, and keeps what it was asked.
+class ScriptedServer : public QTcpServer
+{
+    Q_OBJECT
+
+public:
+    enum class After { Close, StayOpen };
+
+    ScriptedServer();
+
+    /// "http://127.0.0.1:PORT" and `path`.
+    QString address(const QString &path = {}) const;
+
+    /// The raw answer to requests for `path`, without its query; any other path is accepted and never
+    /// answered.
+    void script(const QByteArray &path, const QByteArray &rawAnswer, After after = After::Close);
+    /// An answer with a status line, a length and `body`.
+    void scriptBody(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK");
+
+    /// The request heads received so far, in order.
+    const QList<QByteArray> &requests() const { return requests_; }
+    /// The request targets, in order.
+    QList<QByteArray> targets() const;
+    /// Connections that are still open.
+    int openConnections() const { return openConnections_; }
+
+private:
+    struct Answer
+    {
+        QByteArray bytes;
+        After after = After::Close;
+    };
+
+    void accept();
+    void answer(QTcpSocket *socket);
+
+    QHash<QByteArray, Answer> answers_;
+    QList<QByteArray> requests_;
+    int openConnections_ = 0;
+};
