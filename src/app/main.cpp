@@ -12,6 +12,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <malloc.h>
 
 namespace {
 Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
@@ -19,6 +20,16 @@ Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
 constexpr int unusableEnvironment = 2;
 /// How long the end of the program waits for what is still being torn down.
 constexpr std::chrono::milliseconds tearDownTime{500};
+
+/// Makes the allocator give back what each station leaves behind. With its own, growing thresholds a program
+/// that changes stations for a day keeps several times what it uses.
+void returnFreedMemory()
+{
+    constexpr int thresholdBytes = 128 * 1024;
+    mallopt(M_TRIM_THRESHOLD, thresholdBytes);
+    mallopt(M_MMAP_THRESHOLD, thresholdBytes);
+    mallopt(M_ARENA_MAX, 2);
+}
 
 /// Logs what an event handler lets escape; the event is lost, the program goes on.
 class Application : public QApplication
@@ -62,6 +73,7 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
 
 int main(int argc, char *argv[])
 {
+    returnFreedMemory();
     installLog();
     QCoreApplication::setApplicationName(QStringLiteral("plumtide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PLUMTIDE_VERSION));

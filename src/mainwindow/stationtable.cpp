@@ -43,7 +43,7 @@ const Column &columnAt(int section)
 
 QVariant typeName(const StationEntry &entry)
 {
-    const QVariant mount = entry.value(QLatin1StringView("mt"));
+    QVariant mount = entry.value(QLatin1StringView("mt"));
     const QString type = mount.toString();
     if (type == QLatin1StringView("audio/mpeg")) {
         return QStringLiteral("MP3");
@@ -190,7 +190,7 @@ QVariant StationTable::data(const QModelIndex &index, int role) const
     if (!wanted) {
         return {};
     }
-    const QVariant value = tableViewObjectValueForTableColumn(nullptr, column.identifier, index.row());
+    QVariant value = tableViewObjectValueForTableColumn(nullptr, column.identifier, index.row());
     if (isStatus) {
         return value;
     }

@@ -112,7 +112,7 @@ void StreamPlayback::detachPlayer()
 
 void StreamPlayback::startTimeout()
 {
-    constexpr double longest = std::numeric_limits<int>::max() / 1000;
+    constexpr double longest = std::numeric_limits<int>::max() / 1000.0;
     timeout_ = std::clamp(RVObject::rtoToTime(storedTimeout_()), 0.0, longest);
     globalTimer_.reset(new QTimer(this));
     globalTimer_->setSingleShot(true);
