@@ -34,7 +34,7 @@ QByteArray json(QByteArray text)
     return text.replace('\'', '"');
 }
 
-/// The names of the stations in \a body, in order; a single "not well-formed" if it is not XML.
+/// The names of the stations in `body`, in order; a single "not well-formed" if it is not XML.
 QStringList stationNames(const QByteArray &body)
 {
     QStringList names;
@@ -66,25 +66,25 @@ class Exchange
 {
 public:
     explicit Exchange(double burstSeconds = 16)
-        : m_mounts(m_catalogue, StreamMounts::defaultLoopsDirectory(), burstSeconds)
+        : mounts_(catalogue_, StreamMounts::defaultLoopsDirectory(), burstSeconds)
     {
-        m_server.setHandler([this](HttpConnection &connection) {
-            if (!m_mounts.serve(connection, RequestTarget(connection.request().target))) {
+        server_.setHandler([this](HttpConnection &connection) {
+            if (!mounts_.serve(connection, RequestTarget(connection.request().target))) {
                 connection.answer({404, "text/plain", "nothing\n"});
             }
         });
-        if (!m_server.listen(0)) {
+        if (!server_.listen(0)) {
             qFatal("no port");
         }
     }
 
-    const BuiltinCatalogue &catalogue() const { return m_catalogue; }
-    const HttpServer &server() const { return m_server; }
+    const BuiltinCatalogue &catalogue() const { return catalogue_; }
+    const HttpServer &server() const { return server_; }
 
     std::unique_ptr<QTcpSocket> send(const QByteArray &bytes) const
     {
         auto client = std::make_unique<QTcpSocket>();
-        client->connectToHost(QHostAddress::LocalHost, static_cast<quint16>(QUrl(m_server.origin()).port()));
+        client->connectToHost(QHostAddress::LocalHost, static_cast<quint16>(QUrl(server_.origin()).port()));
         client->write(bytes);
         return client;
     }
@@ -94,16 +94,16 @@ public:
         return send("GET " + station.streams.last().toUtf8() + " HTTP/1.1\r\n" + headers + "\r\n");
     }
 
-    /// The station with most listeners among those that \a wanted picks.
+    /// The station with most listeners among those that `wanted` picks.
     const Station &first(bool (*wanted)(const Station &)) const
     {
-        return *std::ranges::find_if(m_catalogue.stations(), wanted);
+        return *std::ranges::find_if(catalogue_.stations(), wanted);
     }
 
 private:
-    BuiltinCatalogue m_catalogue;
-    StreamMounts m_mounts;
-    HttpServer m_server;
+    BuiltinCatalogue catalogue_;
+    StreamMounts mounts_;
+    HttpServer server_;
 };
 
 bool isMp3(const Station &station)

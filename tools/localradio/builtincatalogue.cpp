@@ -118,18 +118,18 @@ int unusedId(QSet<int> &used, QRandomGenerator &random)
 BuiltinCatalogue::BuiltinCatalogue()
 {
     QRandomGenerator random(20110); // any number will do, as long as it stays
-    m_stations = readNames(random);
+    stations_ = readNames(random);
 
     std::vector<int> listeners;
-    for (std::size_t rank = 0; rank < m_stations.size(); ++rank) {
+    for (std::size_t rank = 0; rank < stations_.size(); ++rank) {
         listeners.push_back(listenersAt(rank, random));
     }
     std::ranges::sort(listeners, std::ranges::greater());
 
     QSet<int> ids;
     std::array<int, 3> counts{}; // stations of each format so far
-    for (std::size_t rank = 0; rank < m_stations.size(); ++rank) {
-        Station &station = m_stations[rank];
+    for (std::size_t rank = 0; rank < stations_.size(); ++rank) {
+        Station &station = stations_[rank];
         const Format format = formatAt(rank, random);
         const int number = counts[static_cast<std::size_t>(format)]++;
         // Five is coprime to the sixteen loops of a format: neighbours differ widely, and all come up.

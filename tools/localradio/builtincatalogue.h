@@ -10,10 +10,10 @@ class BuiltinCatalogue : public Catalogue
 public:
     BuiltinCatalogue();
 
-    const std::vector<Station> &stations() const override { return m_stations; }
+    const std::vector<Station> &stations() const override { return stations_; }
 
 private:
-    std::vector<Station> m_stations;
+    std::vector<Station> stations_;
 };
 
 } // namespace localradio

@@ -5,11 +5,11 @@
 namespace localradio {
 
 ByteLoop::ByteLoop(const QByteArray &loop, qsizetype start)
-    : m_loop(loop)
-    , m_next(start % loop.size())
+    : loop_(loop)
+    , next_(start % loop.size())
 {
-    if (m_loop[m_next] == '\xff') { // the first byte of every frame
-        m_next = (m_next + 1) % m_loop.size();
+    if (loop_[next_] == '\xff') { // the first byte of every frame
+        next_ = (next_ + 1) % loop_.size();
     }
 }
 
@@ -18,9 +18,9 @@ QByteArray ByteLoop::read(qsizetype bytes)
     QByteArray audio;
     audio.reserve(bytes);
     while (audio.size() < bytes) {
-        const qsizetype part = std::min(bytes - audio.size(), m_loop.size() - m_next);
-        audio.append(QByteArrayView(m_loop).sliced(m_next, part));
-        m_next = (m_next + part) % m_loop.size();
+        const qsizetype part = std::min(bytes - audio.size(), loop_.size() - next_);
+        audio.append(QByteArrayView(loop_).sliced(next_, part));
+        next_ = (next_ + part) % loop_.size();
     }
     return audio;
 }

@@ -8,15 +8,15 @@ namespace localradio {
 class ByteLoop : public AudioSource
 {
 public:
-    /// Plays \a loop, whole frames and not empty, from byte \a start; on from there if a frame begins at that
+    /// Plays `loop`, whole frames and not empty, from byte `start`; on from there if a frame begins at that
     /// byte, since live streams are joined amid a frame.
     ByteLoop(const QByteArray &loop, qsizetype start);
 
     QByteArray read(qsizetype bytes) override;
 
 private:
-    QByteArray m_loop;
-    qsizetype m_next;
+    QByteArray loop_;
+    qsizetype next_;
 };
 
 } // namespace localradio

@@ -16,8 +16,8 @@ constexpr qsizetype defaultLimit = 500;
 constexpr qsizetype defaultRandomLimit = 20;
 constexpr char xmlDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
-/// The part of \a stations that a "limit" parameter asks for: "N" for the first N, "X,Y" for Y after
-/// skipping X. Anything else means \a fallback.
+/// The part of `stations` that a "limit" parameter asks for: "N" for the first N, "X,Y" for Y after
+/// skipping X. Anything else means `fallback`.
 std::span<const Station *const> limited(std::span<const Station *const> stations, const QString &limit,
                                         qsizetype fallback)
 {
@@ -133,9 +133,9 @@ QByteArray xspf(const Station &station, const QStringList &addresses)
 } // namespace
 
 DirectoryService::DirectoryService(const Catalogue &catalogue, QString key, QString origin)
-    : m_catalogue(catalogue)
-    , m_key(std::move(key))
-    , m_origin(std::move(origin))
+    : catalogue_(catalogue)
+    , key_(std::move(key))
+    , origin_(std::move(origin))
 {
 }
 
@@ -152,7 +152,7 @@ Answer DirectoryService::stationList(const RequestTarget &target) const
     const QByteArray contentType = "text/xml; charset=utf-8";
     const bool wrapped = target.path() == u"/station/randomstations";
     Stations stations;
-    if (target.parameter(QLatin1StringView("k")) != m_key) {
+    if (target.parameter(QLatin1StringView("k")) != key_) {
         return {401, contentType, response(401, QStringLiteral("Invalid or missing developer key"), {})};
     }
     if (target.path() == u"/legacy/Top500/" || target.path() == u"/legacy/Top500") {
@@ -179,7 +179,7 @@ Answer DirectoryService::stationList(const RequestTarget &target) const
 DirectoryService::Stations DirectoryService::top() const
 {
     Stations all;
-    for (const Station &station : m_catalogue.stations()) {
+    for (const Station &station : catalogue_.stations()) {
         all.push_back(&station);
     }
     return all;
@@ -197,7 +197,7 @@ DirectoryService::Stations DirectoryService::search(const QString &text) const
         });
     };
     Stations matches;
-    for (const Station &station : m_catalogue.stations()) {
+    for (const Station &station : catalogue_.stations()) {
         if (found(station)) {
             matches.push_back(&station);
         }
@@ -226,7 +226,7 @@ Answer DirectoryService::playlist(const RequestTarget &target) const
         {QLatin1StringView("/sbin/tunein-station.xspf"), "application/xspf+xml", xspf},
     }};
     const auto *const kind = std::ranges::find(kinds, target.path(), &Kind::path);
-    const Station *station = m_catalogue.find(target.parameter(QLatin1StringView("id")).toInt());
+    const Station *station = catalogue_.find(target.parameter(QLatin1StringView("id")).toInt());
     if (kind == kinds.end() || station == nullptr) {
         return {404, "text/plain; charset=utf-8", "Not found\n"};
     }
@@ -239,7 +239,7 @@ Answer DirectoryService::playlist(const RequestTarget &target) const
 
 QString DirectoryService::streamAddress(const QString &stream) const
 {
-    return stream.startsWith(u'/') ? m_origin + stream : stream;
+    return stream.startsWith(u'/') ? origin_ + stream : stream;
 }
 
 } // namespace localradio

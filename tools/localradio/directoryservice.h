@@ -14,11 +14,11 @@ namespace localradio {
 class DirectoryService
 {
 public:
-    /// \a catalogue must outlive the service. \a key is what clients must send as "k"; \a origin, such as
+    /// `catalogue` must outlive the service. `key` is what clients must send as "k"; `origin`, such as
     /// "http://127.0.0.1:8000", is put before stream paths in playlists.
     DirectoryService(const Catalogue &catalogue, QString key, QString origin);
 
-    /// The answer to a request for \a target; status 404 for what the directory does not have.
+    /// The answer to a request for `target`; status 404 for what the directory does not have.
     Answer answer(const RequestTarget &target) const;
 
 private:
@@ -31,9 +31,9 @@ private:
     Stations random() const;
     QString streamAddress(const QString &stream) const;
 
-    const Catalogue &m_catalogue;
-    QString m_key;
-    QString m_origin;
+    const Catalogue &catalogue_;
+    QString key_;
+    QString origin_;
 };
 
 } // namespace localradio

@@ -48,50 +48,50 @@ Answer plainAnswer(int status)
 
 HttpConnection::HttpConnection(QTcpSocket *socket, qint64 number, QObject *parent)
     : QObject(parent)
-    , m_socket(socket)
-    , m_number(number)
+    , socket_(socket)
+    , number_(number)
 {
-    m_socket->setParent(this);
-    m_socket->setReadBufferSize(maxHeadSize);
-    m_socket->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, systemBufferSize);
-    m_deadline.setSingleShot(true);
-    connect(m_socket, &QTcpSocket::readyRead, this, &HttpConnection::readHead);
-    connect(m_socket, &QTcpSocket::bytesWritten, this, &HttpConnection::onBytesWritten);
-    connect(m_socket, &QTcpSocket::disconnected, this, [this] {
+    socket_->setParent(this);
+    socket_->setReadBufferSize(maxHeadSize);
+    socket_->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, systemBufferSize);
+    deadline_.setSingleShot(true);
+    connect(socket_, &QTcpSocket::readyRead, this, &HttpConnection::readHead);
+    connect(socket_, &QTcpSocket::bytesWritten, this, &HttpConnection::onBytesWritten);
+    connect(socket_, &QTcpSocket::disconnected, this, [this] {
         Q_EMIT closed();
-        m_state = State::Closing;
+        state_ = State::Closing;
         deleteLater();
     });
-    connect(&m_deadline, &QTimer::timeout, this, &HttpConnection::onDeadline);
-    m_deadline.start(headDeadline);
+    connect(&deadline_, &QTimer::timeout, this, &HttpConnection::onDeadline);
+    deadline_.start(headDeadline);
 }
 
 void HttpConnection::readHead()
 {
-    const QByteArray bytes = m_socket->readAll();
-    if (m_state != State::ReadingHead) {
+    const QByteArray bytes = socket_->readAll();
+    if (state_ != State::ReadingHead) {
         return; // nothing more is wanted from this client
     }
-    m_head += bytes;
-    const qsizetype crlf = m_head.indexOf("\r\n\r\n");
-    const qsizetype lf = m_head.indexOf("\n\n");
+    head_ += bytes;
+    const qsizetype crlf = head_.indexOf("\r\n\r\n");
+    const qsizetype lf = head_.indexOf("\n\n");
     const qsizetype end = crlf < 0 || (lf >= 0 && lf < crlf) ? lf : crlf;
-    if (end > maxHeadSize || (end < 0 && m_head.size() > maxHeadSize)) {
+    if (end > maxHeadSize || (end < 0 && head_.size() > maxHeadSize)) {
         answer(plainAnswer(431));
         return;
     }
     if (end < 0) {
         return;
     }
-    const auto request = HttpRequest::parse(m_head.first(end));
-    m_head.clear();
-    m_state = State::Waiting;
+    const auto request = HttpRequest::parse(head_.first(end));
+    head_.clear();
+    state_ = State::Waiting;
     if (!request) {
         answer(plainAnswer(400));
         return;
     }
-    m_request = *request;
-    m_deadline.start(sendDeadline);
+    request_ = *request;
+    deadline_.start(sendDeadline);
     Q_EMIT requestReceived();
 }
 
@@ -101,30 +101,30 @@ void HttpConnection::answer(const Answer &answer)
                        "\r\nServer: localradio\r\nContent-Type: " + answer.contentType +
                        "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
                        "\r\nConnection: close\r\n\r\n";
-    if (m_request.method != "HEAD") {
+    if (request_.method != "HEAD") {
         bytes += answer.body;
     }
-    m_socket->write(bytes);
+    socket_->write(bytes);
     Q_EMIT answered(answer.status);
     closeWhenSent();
 }
 
 void HttpConnection::beginStream(int status, const QByteArray &head)
 {
-    m_socket->write(head);
+    socket_->write(head);
     Q_EMIT answered(status);
-    if (m_request.method == "HEAD") {
+    if (request_.method == "HEAD") {
         closeWhenSent();
         return;
     }
-    m_state = State::Streaming;
-    m_deadline.start(sendDeadline);
+    state_ = State::Streaming;
+    deadline_.start(sendDeadline);
 }
 
 void HttpConnection::send(const QByteArray &bytes)
 {
-    if (m_state == State::Streaming) {
-        m_socket->write(bytes);
+    if (state_ == State::Streaming) {
+        socket_->write(bytes);
     }
 }
 
@@ -132,27 +132,27 @@ void HttpConnection::send(const QByteArray &bytes)
 /// and a reset can overtake the answer: so only the sending side is shut, and the client closes.
 void HttpConnection::closeWhenSent()
 {
-    m_state = State::Closing;
-    m_deadline.start(sendDeadline);
+    state_ = State::Closing;
+    deadline_.start(sendDeadline);
 }
 
 void HttpConnection::onBytesWritten(qint64 bytes)
 {
-    m_sent += bytes;
-    m_deadline.start(sendDeadline);
-    if (m_state == State::Closing && m_socket->bytesToWrite() == 0) {
-        ::shutdown(static_cast<int>(m_socket->socketDescriptor()), SHUT_WR);
-        m_deadline.start(closeDeadline);
+    sent_ += bytes;
+    deadline_.start(sendDeadline);
+    if (state_ == State::Closing && socket_->bytesToWrite() == 0) {
+        ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
+        deadline_.start(closeDeadline);
     }
 }
 
 void HttpConnection::onDeadline()
 {
-    if (m_state == State::Streaming && m_socket->bytesToWrite() == 0) {
-        m_deadline.start(sendDeadline); // a stream with nothing to say; the client is not at fault
+    if (state_ == State::Streaming && socket_->bytesToWrite() == 0) {
+        deadline_.start(sendDeadline); // a stream with nothing to say; the client is not at fault
         return;
     }
-    m_socket->abort();
+    socket_->abort();
 }
 
 } // namespace localradio

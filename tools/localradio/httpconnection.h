@@ -18,31 +18,31 @@ class HttpConnection : public QObject
 public:
     static constexpr qsizetype maxHeadSize = qsizetype{16} * 1024;
 
-    /// Takes \a socket over. \a number tells connections apart in a log.
+    /// Takes `socket` over. `number` tells connections apart in a log.
     HttpConnection(QTcpSocket *socket, qint64 number, QObject *parent);
 
-    qint64 number() const { return m_number; }
+    qint64 number() const { return number_; }
 
     /// The request; empty until requestReceived().
-    const HttpRequest &request() const { return m_request; }
+    const HttpRequest &request() const { return request_; }
 
-    /// Sends \a answer, without its body to a HEAD request, and closes.
+    /// Sends `answer`, without its body to a HEAD request, and closes.
     void answer(const Answer &answer);
 
-    /// Sends \a head, a status line and headers up to and with the blank line, and stays open for send();
-    /// after a HEAD request it closes instead. \a status is the one in \a head.
+    /// Sends `head`, a status line and headers up to and with the blank line, and stays open for send();
+    /// after a HEAD request it closes instead. `status` is the one in `head`.
     void beginStream(int status, const QByteArray &head);
 
-    /// Adds \a bytes to the stream. Without effect unless the connection is streaming.
+    /// Adds `bytes` to the stream. Without effect unless the connection is streaming.
     void send(const QByteArray &bytes);
 
-    bool isStreaming() const { return m_state == State::Streaming; }
+    bool isStreaming() const { return state_ == State::Streaming; }
 
     /// Bytes handed to send() or answer() that the system has not taken yet.
-    qint64 unsentBytes() const { return m_socket->bytesToWrite(); }
+    qint64 unsentBytes() const { return socket_->bytesToWrite(); }
 
     /// Bytes that the system has taken for this client, head included.
-    qint64 sentBytes() const { return m_sent; }
+    qint64 sentBytes() const { return sent_; }
 
 Q_SIGNALS:
     /// A whole, well-formed request has come in: to be answered now or later.
@@ -62,13 +62,13 @@ private:
     void onBytesWritten(qint64 bytes);
     void onDeadline();
 
-    QTcpSocket *m_socket; // a child
-    qint64 m_number;
-    State m_state = State::ReadingHead;
-    QByteArray m_head;
-    HttpRequest m_request;
-    qint64 m_sent = 0;
-    QTimer m_deadline;
+    QTcpSocket *socket_; // a child
+    qint64 number_;
+    State state_ = State::ReadingHead;
+    QByteArray head_;
+    HttpRequest request_;
+    qint64 sent_ = 0;
+    QTimer deadline_;
 };
 
 } // namespace localradio

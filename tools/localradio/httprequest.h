@@ -15,7 +15,7 @@ struct HttpRequest
     QByteArray target;
     QList<QPair<QByteArray, QByteArray>> headers; ///< in the order received; values without outer blanks
 
-    /// Reads \a head, everything before the blank line; lines may end in LF alone. Nothing if it is not a
+    /// Reads `head`, everything before the blank line; lines may end in LF alone. Nothing if it is not a
     /// request for a path by HTTP/1.
     static std::optional<HttpRequest> parse(const QByteArray &head);
 

@@ -6,36 +6,36 @@ namespace localradio {
 
 HttpServer::HttpServer(RequestLog *log, QObject *parent)
     : QObject(parent)
-    , m_log(log)
+    , log_(log)
 {
-    connect(&m_server, &QTcpServer::newConnection, this, &HttpServer::accept);
+    connect(&server_, &QTcpServer::newConnection, this, &HttpServer::accept);
 }
 
 bool HttpServer::listen(quint16 port)
 {
-    return m_server.listen(QHostAddress::LocalHost, port);
+    return server_.listen(QHostAddress::LocalHost, port);
 }
 
 QString HttpServer::origin() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort());
+    return QStringLiteral("http://127.0.0.1:%1").arg(server_.serverPort());
 }
 
 void HttpServer::accept()
 {
-    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
-        if (m_open == maxConnections) {
+    while (QTcpSocket *socket = server_.nextPendingConnection()) {
+        if (open_ == maxConnections) {
             delete socket;
             continue;
         }
-        ++m_open;
-        auto *connection = new HttpConnection(socket, ++m_accepted, this);
-        if (m_log != nullptr) {
-            m_log->follow(*connection); // first, so that requests stand before their answers
+        ++open_;
+        auto *connection = new HttpConnection(socket, ++accepted_, this);
+        if (log_ != nullptr) {
+            log_->follow(*connection); // first, so that requests stand before their answers
         }
         connect(connection, &HttpConnection::requestReceived, this,
                 [this, connection] { onRequest(*connection); });
-        connect(connection, &HttpConnection::closed, this, [this] { --m_open; });
+        connect(connection, &HttpConnection::closed, this, [this] { --open_; });
     }
 }
 
@@ -44,8 +44,8 @@ void HttpServer::onRequest(HttpConnection &connection)
     const QByteArray &method = connection.request().method;
     if (method != "GET" && method != "HEAD") {
         connection.answer({405, "text/plain; charset=utf-8", "Only GET and HEAD are understood here\n"});
-    } else if (m_handler) {
-        m_handler(connection);
+    } else if (handler_) {
+        handler_(connection);
     }
 }
 

@@ -21,28 +21,28 @@ public:
     /// Answers the connection's request, now or later: the connection may be gone by then.
     using Handler = std::function<void(HttpConnection &)>;
 
-    /// \a log, which may be null, must outlive the server.
+    /// `log`, which may be null, must outlive the server.
     explicit HttpServer(RequestLog *log = nullptr, QObject *parent = nullptr);
 
     /// Starts to listen on 127.0.0.1; port 0 picks a free one. False if that cannot be: see errorString().
     bool listen(quint16 port);
-    QString errorString() const { return m_server.errorString(); }
+    QString errorString() const { return server_.errorString(); }
 
     /// "http://127.0.0.1:PORT" of a listening server.
     QString origin() const;
 
     /// Sets what answers GET and HEAD requests; other methods are refused before it.
-    void setHandler(Handler handler) { m_handler = std::move(handler); }
+    void setHandler(Handler handler) { handler_ = std::move(handler); }
 
 private:
     void accept();
     void onRequest(HttpConnection &connection);
 
-    QTcpServer m_server;
-    RequestLog *m_log;
-    Handler m_handler;
-    qint64 m_accepted = 0;
-    int m_open = 0;
+    QTcpServer server_;
+    RequestLog *log_;
+    Handler handler_;
+    qint64 accepted_ = 0;
+    int open_ = 0;
 };
 
 } // namespace localradio

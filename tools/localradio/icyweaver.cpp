@@ -5,7 +5,7 @@
 namespace localradio {
 
 IcyWeaver::IcyWeaver(TitleAt titleAt)
-    : m_titleAt(std::move(titleAt))
+    : titleAt_(std::move(titleAt))
 {
 }
 
@@ -13,15 +13,15 @@ QByteArray IcyWeaver::weave(const QByteArray &audio)
 {
     QByteArray woven;
     for (qsizetype at = 0; at < audio.size();) {
-        const auto untilBlock = static_cast<qsizetype>(interval - m_audioBytes % interval);
+        const auto untilBlock = static_cast<qsizetype>(interval - audioBytes_ % interval);
         const qsizetype part = std::min(untilBlock, audio.size() - at);
         woven += QByteArrayView(audio).sliced(at, part);
         at += part;
-        m_audioBytes += part;
+        audioBytes_ += part;
         if (part == untilBlock) {
-            const QByteArray title = m_titleAt(m_audioBytes);
-            woven += title == m_title ? QByteArray(1, '\0') : block(title);
-            m_title = title;
+            const QByteArray title = titleAt_(audioBytes_);
+            woven += title == title_ ? QByteArray(1, '\0') : block(title);
+            title_ = title;
         }
     }
     return woven;

@@ -19,16 +19,16 @@ public:
 
     explicit IcyWeaver(TitleAt titleAt);
 
-    /// \a audio with the blocks that fall into it.
+    /// `audio` with the blocks that fall into it.
     QByteArray weave(const QByteArray &audio);
 
     /// A length byte and the title, padded to that length; cut to what a block can hold.
     static QByteArray block(QByteArray title);
 
 private:
-    TitleAt m_titleAt;
-    QByteArray m_title; // as last sent
-    qint64 m_audioBytes = 0;
+    TitleAt titleAt_;
+    QByteArray title_; // as last sent
+    qint64 audioBytes_ = 0;
 };
 
 } // namespace localradio

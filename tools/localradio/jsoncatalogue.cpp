@@ -93,7 +93,7 @@ JsonCatalogue::JsonCatalogue(const QByteArray &json)
     int nextId = 1000001;
     for (const auto &value : document.array()) {
         Station station = readStation(value.toObject());
-        const QString which = QStringLiteral("station %1").arg(m_stations.size() + 1);
+        const QString which = QStringLiteral("station %1").arg(stations_.size() + 1);
         if (station.name.isEmpty()) {
             refuse(which + QStringLiteral(" has no \"name\""));
         }
@@ -107,9 +107,9 @@ JsonCatalogue::JsonCatalogue(const QByteArray &json)
             refuse(which + QStringLiteral(" has an \"id\" that is not positive or is used twice"));
         }
         ids.insert(station.id);
-        m_stations.push_back(std::move(station));
+        stations_.push_back(std::move(station));
     }
-    std::ranges::stable_sort(m_stations, std::ranges::greater(), &Station::listeners);
+    std::ranges::stable_sort(stations_, std::ranges::greater(), &Station::listeners);
 }
 
 } // namespace localradio

@@ -8,7 +8,7 @@ namespace localradio {
 class JsonCatalogue : public Catalogue
 {
 public:
-    /// Reads \a json, an array of objects:
+    /// Reads `json`, an array of objects:
     ///   "name"  text, must be there
     ///   "url"   an http or https address, or an array of them; must be there
     ///   "genre" text; several genres with commas between
@@ -19,10 +19,10 @@ public:
     /// Throws std::runtime_error with a text for the user if it is anything else.
     explicit JsonCatalogue(const QByteArray &json);
 
-    const std::vector<Station> &stations() const override { return m_stations; }
+    const std::vector<Station> &stations() const override { return stations_; }
 
 private:
-    std::vector<Station> m_stations;
+    std::vector<Station> stations_;
 };
 
 } // namespace localradio

@@ -9,26 +9,26 @@ namespace localradio {
 Listener::Listener(HttpConnection &connection, std::unique_ptr<AudioSource> source, double bytesPerSecond,
                    double burstSeconds, std::optional<IcyWeaver> weaver)
     : QObject(&connection)
-    , m_connection(connection)
-    , m_source(std::move(source))
-    , m_bytesPerSecond(bytesPerSecond)
-    , m_burstSeconds(burstSeconds)
-    , m_weaver(std::move(weaver))
+    , connection_(connection)
+    , source_(std::move(source))
+    , bytesPerSecond_(bytesPerSecond)
+    , burstSeconds_(burstSeconds)
+    , weaver_(std::move(weaver))
 {
-    m_elapsed.start();
+    elapsed_.start();
 }
 
 void Listener::pump()
 {
-    const double seconds = m_burstSeconds + static_cast<double>(m_elapsed.elapsed()) / 1000.0;
-    const auto due = static_cast<qint64>(seconds * m_bytesPerSecond) - m_audioBytes;
-    const qint64 bytes = std::min(due, maxUnsentBytes - m_connection.unsentBytes());
+    const double seconds = burstSeconds_ + static_cast<double>(elapsed_.elapsed()) / 1000.0;
+    const auto due = static_cast<qint64>(seconds * bytesPerSecond_) - audioBytes_;
+    const qint64 bytes = std::min(due, maxUnsentBytes - connection_.unsentBytes());
     if (bytes <= 0) {
         return;
     }
-    const QByteArray audio = m_source->read(bytes);
-    m_audioBytes += audio.size();
-    m_connection.send(m_weaver ? m_weaver->weave(audio) : audio);
+    const QByteArray audio = source_->read(bytes);
+    audioBytes_ += audio.size();
+    connection_.send(weaver_ ? weaver_->weave(audio) : audio);
 }
 
 } // namespace localradio

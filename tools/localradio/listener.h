@@ -22,8 +22,8 @@ public:
     /// Audio waits here while that much waits in the connection.
     static constexpr qint64 maxUnsentBytes = qint64{256} * 1024;
 
-    /// Sends \a source, which plays \a bytesPerSecond, \a burstSeconds ahead of its time; with titles if
-    /// there is a \a weaver.
+    /// Sends `source`, which plays `bytesPerSecond`, `burstSeconds` ahead of its time; with titles if
+    /// there is a `weaver`.
     Listener(HttpConnection &connection, std::unique_ptr<AudioSource> source, double bytesPerSecond,
              double burstSeconds, std::optional<IcyWeaver> weaver);
 
@@ -31,13 +31,13 @@ public:
     void pump();
 
 private:
-    HttpConnection &m_connection;
-    std::unique_ptr<AudioSource> m_source;
-    double m_bytesPerSecond;
-    double m_burstSeconds;
-    std::optional<IcyWeaver> m_weaver;
-    QElapsedTimer m_elapsed;
-    qint64 m_audioBytes = 0; // read from the source so far
+    HttpConnection &connection_;
+    std::unique_ptr<AudioSource> source_;
+    double bytesPerSecond_;
+    double burstSeconds_;
+    std::optional<IcyWeaver> weaver_;
+    QElapsedTimer elapsed_;
+    qint64 audioBytes_ = 0; // read from the source so far
 };
 
 } // namespace localradio

@@ -26,7 +26,7 @@ struct FormatFacts
     int bitrate;           ///< kbit/s that a station of this format advertises
 };
 
-/// The facts about \a format.
+/// The facts about `format`.
 constexpr FormatFacts factsOf(Format format)
 {
     constexpr std::array<FormatFacts, 3> facts{{{"MP3", "audio/mpeg", ".mp3", 128},
@@ -35,14 +35,14 @@ constexpr FormatFacts factsOf(Format format)
     return facts[static_cast<std::size_t>(format)];
 }
 
-/// The format of loop \a index (0 to loopCount - 1); formats alternate, so each spans the whole range of
+/// The format of loop `index` (0 to loopCount - 1); formats alternate, so each spans the whole range of
 /// pitches.
 constexpr Format loopFormat(int index)
 {
     return static_cast<Format>(index % 3);
 }
 
-/// The fundamental of loop \a index in Hz: semitones upwards from 110 Hz, rounded to a whole number of
+/// The fundamental of loop `index` in Hz: semitones upwards from 110 Hz, rounded to a whole number of
 /// cycles in one turn.
 inline double loopPitch(int index)
 {

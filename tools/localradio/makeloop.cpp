@@ -32,21 +32,21 @@ class Oscillator
 {
 public:
     Oscillator(double cycles, double phase)
-        : m_value(std::polar(1.0, phase))
-        , m_step(std::polar(1.0, 2.0 * std::numbers::pi * cycles / loopSamples))
+        : value_(std::polar(1.0, phase))
+        , step_(std::polar(1.0, 2.0 * std::numbers::pi * cycles / loopSamples))
     {
     }
 
     double next()
     {
-        const double value = m_value.real();
-        m_value *= m_step;
+        const double value = value_.real();
+        value_ *= step_;
         return value;
     }
 
 private:
-    std::complex<double> m_value;
-    std::complex<double> m_step;
+    std::complex<double> value_;
+    std::complex<double> step_;
 };
 
 /// One partial of the pad. Its level swells and fades `swells` times in a turn between level * (1 - depth)
@@ -146,21 +146,21 @@ QByteArray encode(const QString &ffmpeg, Format format, const std::vector<std::i
     return process.readAllStandardOutput();
 }
 
-/// The bytes of the MPEG audio layer III frame at \a at: 128 kbit/s, 44.1 kHz.
+/// The bytes of the MPEG audio layer III frame at `at`: 128 kbit/s, 44.1 kHz.
 qsizetype mp3FrameSize(const QByteArray &data, qsizetype at)
 {
     const bool padded = (static_cast<unsigned char>(data[at + 2]) & 0x02U) != 0;
     return 144 * 128000 / sampleRate + (padded ? 1 : 0);
 }
 
-/// The bytes of the ADTS frame at \a at, as its header says.
+/// The bytes of the ADTS frame at `at`, as its header says.
 qsizetype adtsFrameSize(const QByteArray &data, qsizetype at)
 {
     const auto byte = [&](qsizetype i) { return static_cast<unsigned char>(data[at + i]); };
     return ((byte(3) & 0x03) << 11) | (byte(4) << 3) | (byte(5) >> 5);
 }
 
-/// One turn of MP3 or ADTS frames, each found through \a frameSize.
+/// One turn of MP3 or ADTS frames, each found through `frameSize`.
 QByteArray cutFrames(const QByteArray &data, int samplesPerFrame,
                      qsizetype (*frameSize)(const QByteArray &, qsizetype))
 {

@@ -13,26 +13,26 @@ OggLoop::OggLoop(const QByteArray &file)
         }
         at += page.size();
         if (page.granulePosition() == 0) {
-            m_headers += page.bytes();
-            ++m_sequenceNumber;
+            headers_ += page.bytes();
+            ++sequenceNumber_;
         } else {
-            m_pages.push_back(std::move(page));
+            pages_.push_back(std::move(page));
         }
     }
 }
 
 QByteArray OggLoop::read(qsizetype bytes)
 {
-    QByteArray audio = std::exchange(m_headers, {});
+    QByteArray audio = std::exchange(headers_, {});
     while (audio.size() < bytes) {
-        OggPage page = m_pages[m_next];
-        page.setSequenceNumber(m_sequenceNumber++);
-        page.setGranulePosition(m_turnStart + page.granulePosition());
+        OggPage page = pages_[next_];
+        page.setSequenceNumber(sequenceNumber_++);
+        page.setGranulePosition(turnStart_ + page.granulePosition());
         page.updateChecksum();
         audio += page.bytes();
-        if (++m_next == m_pages.size()) {
-            m_next = 0;
-            m_turnStart += m_pages.back().granulePosition();
+        if (++next_ == pages_.size()) {
+            next_ = 0;
+            turnStart_ += pages_.back().granulePosition();
         }
     }
     return audio;

@@ -12,24 +12,24 @@ namespace localradio {
 class OggLoop : public AudioSource
 {
 public:
-    /// Reads the pages of \a file, of a single logical stream whose positions start near 0. What follows a
+    /// Reads the pages of `file`, of a single logical stream whose positions start near 0. What follows a
     /// damaged page is left out.
     explicit OggLoop(const QByteArray &file);
 
     /// How many audio pages one turn has; a loop of none must not be read.
-    qsizetype pageCount() const { return static_cast<qsizetype>(m_pages.size()); }
+    qsizetype pageCount() const { return static_cast<qsizetype>(pages_.size()); }
 
-    /// Goes on with audio page \a page, from 0 to pageCount() - 1.
-    void skipTo(qsizetype page) { m_next = static_cast<std::size_t>(page); }
+    /// Goes on with audio page `page`, from 0 to pageCount() - 1.
+    void skipTo(qsizetype page) { next_ = static_cast<std::size_t>(page); }
 
     QByteArray read(qsizetype bytes) override;
 
 private:
-    QByteArray m_headers; // until they are read
-    std::vector<OggPage> m_pages;
-    std::size_t m_next = 0;
-    quint32 m_sequenceNumber = 0; // of the next page
-    qint64 m_turnStart = 0;       // samples in the turns before this one
+    QByteArray headers_; // until they are read
+    std::vector<OggPage> pages_;
+    std::size_t next_ = 0;
+    quint32 sequenceNumber_ = 0; // of the next page
+    qint64 turnStart_ = 0;       // samples in the turns before this one
 };
 
 } // namespace localradio

@@ -46,31 +46,31 @@ OggPage::OggPage(const QByteArray &data, qsizetype offset)
         size += static_cast<unsigned char>(segment);
     }
     if (rest.size() >= size) {
-        m_bytes = rest.first(size).toByteArray();
+        bytes_ = rest.first(size).toByteArray();
     }
 }
 
 bool OggPage::isContinued() const
 {
-    return isValid() && (static_cast<unsigned char>(m_bytes[flagsAt]) & 0x01U) != 0;
+    return isValid() && (static_cast<unsigned char>(bytes_[flagsAt]) & 0x01U) != 0;
 }
 
 qint64 OggPage::granulePosition() const
 {
-    return isValid() ? qFromLittleEndian<qint64>(m_bytes.constData() + granuleAt) : 0;
+    return isValid() ? qFromLittleEndian<qint64>(bytes_.constData() + granuleAt) : 0;
 }
 
 void OggPage::setGranulePosition(qint64 position)
 {
     if (isValid()) {
-        qToLittleEndian(position, m_bytes.data() + granuleAt);
+        qToLittleEndian(position, bytes_.data() + granuleAt);
     }
 }
 
 void OggPage::setSequenceNumber(quint32 number)
 {
     if (isValid()) {
-        qToLittleEndian(number, m_bytes.data() + sequenceAt);
+        qToLittleEndian(number, bytes_.data() + sequenceAt);
     }
 }
 
@@ -80,12 +80,12 @@ void OggPage::updateChecksum()
         return;
     }
     static constexpr auto table = makeChecksumTable();
-    qToLittleEndian<quint32>(0, m_bytes.data() + checksumAt);
+    qToLittleEndian<quint32>(0, bytes_.data() + checksumAt);
     quint32 checksum = 0;
-    for (const char byte : std::as_const(m_bytes)) {
+    for (const char byte : std::as_const(bytes_)) {
         checksum = (checksum << 8) ^ table[(checksum >> 24) ^ static_cast<unsigned char>(byte)];
     }
-    qToLittleEndian(checksum, m_bytes.data() + checksumAt);
+    qToLittleEndian(checksum, bytes_.data() + checksumAt);
 }
 
 } // namespace localradio

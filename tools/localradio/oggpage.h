@@ -8,15 +8,15 @@ namespace localradio {
 class OggPage
 {
 public:
-    /// Reads the page that begins at \a offset of \a data; the page is not valid if there is none, or only
+    /// Reads the page that begins at `offset` of `data`; the page is not valid if there is none, or only
     /// a part of one.
     OggPage(const QByteArray &data, qsizetype offset);
 
-    bool isValid() const { return !m_bytes.isEmpty(); }
+    bool isValid() const { return !bytes_.isEmpty(); }
 
     /// The page as it stands in a stream; empty if it is not valid.
-    const QByteArray &bytes() const { return m_bytes; }
-    qsizetype size() const { return m_bytes.size(); }
+    const QByteArray &bytes() const { return bytes_; }
+    qsizetype size() const { return bytes_.size(); }
 
     /// Whether its first packet began on the page before.
     bool isContinued() const;
@@ -30,7 +30,7 @@ public:
     void updateChecksum();
 
 private:
-    QByteArray m_bytes;
+    QByteArray bytes_;
 };
 
 } // namespace localradio

@@ -13,10 +13,10 @@ namespace localradio {
 bool RequestLog::open(const QString &fileName)
 {
     if (fileName == u"-") {
-        return m_file.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
+        return file_.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
     }
-    m_file.setFileName(fileName);
-    return m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    file_.setFileName(fileName);
+    return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
 }
 
 void RequestLog::follow(HttpConnection &connection)
@@ -50,7 +50,7 @@ void RequestLog::write(const char *event, const HttpConnection &connection, QJso
     object[QStringLiteral("event")] = QLatin1StringView(event);
     object[QStringLiteral("connection")] = connection.number();
     object[QStringLiteral("time_ms")] = QDateTime::currentMSecsSinceEpoch();
-    m_file.write(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    file_.write(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
 }
 
 } // namespace localradio

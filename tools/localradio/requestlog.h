@@ -12,17 +12,17 @@ class HttpConnection;
 class RequestLog
 {
 public:
-    /// Appends to \a fileName; "-" is standard output. False if that cannot be: see errorString().
+    /// Appends to `fileName`; "-" is standard output. False if that cannot be: see errorString().
     bool open(const QString &fileName);
-    QString errorString() const { return m_file.errorString(); }
+    QString errorString() const { return file_.errorString(); }
 
-    /// Logs what happens on \a connection; to be called before it has read anything.
+    /// Logs what happens on `connection`; to be called before it has read anything.
     void follow(HttpConnection &connection);
 
 private:
     void write(const char *event, const HttpConnection &connection, QJsonObject object);
 
-    QFile m_file;
+    QFile file_;
 };
 
 } // namespace localradio

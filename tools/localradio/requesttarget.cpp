@@ -17,7 +17,7 @@ QString decodeForm(QByteArray text)
     return decode(text.replace('+', ' '));
 }
 
-/// What stands before the first \a separator, and what after it.
+/// What stands before the first `separator`, and what after it.
 std::pair<QByteArray, QByteArray> splitOnce(const QByteArray &text, char separator)
 {
     const qsizetype at = text.indexOf(separator);
@@ -29,18 +29,18 @@ std::pair<QByteArray, QByteArray> splitOnce(const QByteArray &text, char separat
 RequestTarget::RequestTarget(const QByteArray &target)
 {
     const auto [path, query] = splitOnce(target, '?');
-    m_path = decode(path);
+    path_ = decode(path);
     for (const QByteArray &pair : query.split('&')) {
         const auto [name, value] = splitOnce(pair, '=');
-        m_parameters.append({decodeForm(name), decodeForm(value)});
+        parameters_.append({decodeForm(name), decodeForm(value)});
     }
 }
 
 QString RequestTarget::parameter(QLatin1StringView name) const
 {
     const auto found =
-        std::ranges::find_if(m_parameters, [name](const auto &entry) { return entry.first == name; });
-    return found == m_parameters.end() ? QString() : found->second;
+        std::ranges::find_if(parameters_, [name](const auto &entry) { return entry.first == name; });
+    return found == parameters_.end() ? QString() : found->second;
 }
 
 } // namespace localradio

@@ -11,19 +11,19 @@ namespace localradio {
 class RequestTarget
 {
 public:
-    /// Reads \a target as it came on the wire. Form decoding: "+" is a blank, percent escapes are UTF-8;
+    /// Reads `target` as it came on the wire. Form decoding: "+" is a blank, percent escapes are UTF-8;
     /// a broken escape stands for itself, bytes that are not UTF-8 become U+FFFD.
     explicit RequestTarget(const QByteArray &target);
 
     /// The decoded path.
-    const QString &path() const { return m_path; }
+    const QString &path() const { return path_; }
 
     /// The decoded value of the first parameter of that name; a null string if there is none.
     QString parameter(QLatin1StringView name) const;
 
 private:
-    QString m_path;
-    QList<QPair<QString, QString>> m_parameters;
+    QString path_;
+    QList<QPair<QString, QString>> parameters_;
 };
 
 } // namespace localradio

@@ -42,12 +42,12 @@ QByteArray trackAt(const Station &station, double seconds)
 StreamMounts::StreamMounts(const Catalogue &catalogue, QString loopsDirectory, double burstSeconds,
                            QObject *parent)
     : QObject(parent)
-    , m_catalogue(catalogue)
-    , m_loopsDirectory(std::move(loopsDirectory))
-    , m_burstSeconds(burstSeconds)
+    , catalogue_(catalogue)
+    , loopsDirectory_(std::move(loopsDirectory))
+    , burstSeconds_(burstSeconds)
 {
-    m_onAir.start();
-    m_pump.setInterval(125ms);
+    onAir_.start();
+    pump_.setInterval(125ms);
 }
 
 bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target)
@@ -56,7 +56,7 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
     if (!target.path().startsWith(prefix)) {
         return false;
     }
-    const Station *station = m_catalogue.find(target.path().mid(prefix.size()).section(u';', 0, 0).toInt());
+    const Station *station = catalogue_.find(target.path().mid(prefix.size()).section(u';', 0, 0).toInt());
     if (station == nullptr || !station->mount) {
         return false;
     }
@@ -72,7 +72,7 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
     std::optional<IcyWeaver> weaver;
     if (loopFormat(index) != Format::Ogg && connection.request().header("Icy-MetaData") == "1") {
         // Titles change with the sound: the burst is what was on air just before.
-        const double joined = static_cast<double>(m_onAir.elapsed()) / 1000.0 - m_burstSeconds;
+        const double joined = static_cast<double>(onAir_.elapsed()) / 1000.0 - burstSeconds_;
         weaver.emplace([station, joined, bytesPerSecond](qint64 audioByte) {
             return trackAt(*station, joined + static_cast<double>(audioByte) / bytesPerSecond);
         });
@@ -83,15 +83,15 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
         return true;
     }
     auto *listener =
-        new Listener(connection, std::move(source), bytesPerSecond, m_burstSeconds, std::move(weaver));
-    connect(&m_pump, &QTimer::timeout, listener, &Listener::pump);
+        new Listener(connection, std::move(source), bytesPerSecond, burstSeconds_, std::move(weaver));
+    connect(&pump_, &QTimer::timeout, listener, &Listener::pump);
     connect(listener, &QObject::destroyed, this, [this] {
-        if (--m_listeners == 0) {
-            m_pump.stop();
+        if (--listeners_ == 0) {
+            pump_.stop();
         }
     });
-    if (m_listeners++ == 0) {
-        m_pump.start();
+    if (listeners_++ == 0) {
+        pump_.start();
     }
     listener->pump();
     return true;
@@ -104,9 +104,9 @@ QString StreamMounts::defaultLoopsDirectory()
 
 QByteArray StreamMounts::loopAudio(int index)
 {
-    QByteArray &loop = m_loops.at(static_cast<std::size_t>(index));
+    QByteArray &loop = loops_.at(static_cast<std::size_t>(index));
     if (loop.isEmpty()) {
-        QFile file(m_loopsDirectory + u'/' + QString::number(index) +
+        QFile file(loopsDirectory_ + u'/' + QString::number(index) +
                    QLatin1StringView(factsOf(loopFormat(index)).suffix));
         if (file.open(QIODevice::ReadOnly)) {
             loop = file.readAll();

@@ -20,12 +20,12 @@ class StreamMounts : public QObject
     Q_OBJECT
 
 public:
-    /// \a catalogue must outlive the mounts. New listeners get \a burstSeconds of audio at once. The loops
-    /// are read from \a loopsDirectory when they are first heard.
+    /// `catalogue` must outlive the mounts. New listeners get `burstSeconds` of audio at once. The loops
+    /// are read from `loopsDirectory` when they are first heard.
     StreamMounts(const Catalogue &catalogue, QString loopsDirectory, double burstSeconds,
                  QObject *parent = nullptr);
 
-    /// Answers the request of \a connection for \a target with a stream. False, and nothing is answered, if
+    /// Answers the request of `connection` for `target` with a stream. False, and nothing is answered, if
     /// there is no such mount; a mount whose loop cannot be read answers with status 503.
     bool serve(HttpConnection &connection, const RequestTarget &target);
 
@@ -35,13 +35,13 @@ public:
 private:
     QByteArray loopAudio(int index);
 
-    const Catalogue &m_catalogue;
-    QString m_loopsDirectory;
-    double m_burstSeconds;
-    std::array<QByteArray, loopCount> m_loops;
-    QElapsedTimer m_onAir;
-    QTimer m_pump; // runs while somebody listens
-    int m_listeners = 0;
+    const Catalogue &catalogue_;
+    QString loopsDirectory_;
+    double burstSeconds_;
+    std::array<QByteArray, loopCount> loops_;
+    QElapsedTimer onAir_;
+    QTimer pump_; // runs while somebody listens
+    int listeners_ = 0;
 };
 
 } // namespace localradio
