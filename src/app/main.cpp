@@ -97,7 +97,7 @@ int main(int argc, char *argv[])
 
     MpvBackend backend(std::get<Environment>(environment).audioOutput);
     const int status = runWindow(argc, argv, std::get<Environment>(environment), backend);
-    if (!backend.waitForTearDowns(tearDownTime)) {
+    if (!backend.waitForDetachedWork(tearDownTime)) {
         // Threads are still at work that exit handlers would pull the ground from under.
         std::_Exit(status);
     }

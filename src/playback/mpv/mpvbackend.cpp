@@ -1,5 +1,6 @@
 #include "playback/mpv/mpvbackend.h"
 
+#include "playback/mpv/detachedwork.h"
 #include "playback/mpv/mpvhandle.h"
 #include "playback/mpv/mpvitem.h"
 #include "playback/mpv/mpvlibrary.h"
@@ -8,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <mutex>
 
 /// The library, opened once by whoever comes first. Shared with the thread that preloads, which may outlive
 /// the backend.
@@ -89,7 +91,7 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
 MpvBackend::MpvBackend(AudioOutput output)
     : output_(std::move(output))
     , library_(std::make_shared<Preload>())
-    , tearDowns_(std::make_shared<TearDowns>())
+    , detached_(std::make_shared<DetachedWork>())
 {
 }
 
@@ -97,7 +99,7 @@ MpvBackend::~MpvBackend() = default;
 
 void MpvBackend::preload()
 {
-    TearDowns::run(tearDowns_, [library = library_] { library->get(); });
+    DetachedWork::run(detached_, [library = library_] { library->get(); });
 }
 
 std::shared_ptr<BackendItem> MpvBackend::makeItem(const StreamRequest &request)
@@ -105,9 +107,9 @@ std::shared_ptr<BackendItem> MpvBackend::makeItem(const StreamRequest &request)
     std::unique_ptr<MpvHandle> handle;
     if (const MpvLibrary *library = library_->get()) {
         if (output_.isFile()) {
-            tearDowns_->waitForNone(fileReleaseTime);
+            detached_->waitForNone(fileReleaseTime);
         }
-        handle = MpvHandle::create(*library, tearDowns_, optionsFor(output_, request));
+        handle = MpvHandle::create(*library, detached_, optionsFor(output_, request));
     }
     auto *item = new MpvItem(request, std::move(handle));
     item->moveToThread(QCoreApplication::instance()->thread());
@@ -119,7 +121,7 @@ std::shared_ptr<BackendPlayer> MpvBackend::makePlayer(const std::shared_ptr<Back
     return std::make_shared<MpvPlayer>(std::static_pointer_cast<MpvItem>(item));
 }
 
-bool MpvBackend::waitForTearDowns(std::chrono::milliseconds time)
+bool MpvBackend::waitForDetachedWork(std::chrono::milliseconds time)
 {
-    return tearDowns_->waitForNone(time);
+    return detached_->waitForNone(time);
 }

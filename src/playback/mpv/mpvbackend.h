@@ -5,10 +5,9 @@
 
 #include <chrono>
 #include <memory>
-#include <mutex>
 
 struct MpvLibrary;
-class TearDowns;
+class DetachedWork;
 
 /// The backend on libmpv.
 class MpvBackend : public Backend
@@ -23,14 +22,15 @@ public:
     std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
     std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
 
-    /// Whether all that has been released is gone within `time`. Where not, the process must end without
-    /// running its exit handlers, because threads of libmpv are still at work.
-    bool waitForTearDowns(std::chrono::milliseconds time);
+    /// Whether what goes on beside the main thread is done within `time`: cores that are torn down, the
+    /// library that is opened. Where not, the process must end without running its exit handlers, because
+    /// threads of libmpv are still at work.
+    bool waitForDetachedWork(std::chrono::milliseconds time);
 
 private:
     class Preload;
 
     AudioOutput output_;
     std::shared_ptr<Preload> library_;
-    std::shared_ptr<TearDowns> tearDowns_;
+    std::shared_ptr<DetachedWork> detached_;
 };

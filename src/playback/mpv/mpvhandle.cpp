@@ -1,41 +1,20 @@
 #include "playback/mpv/mpvhandle.h"
 
 #include <QLoggingCategory>
-#include <thread>
 
 namespace {
 Q_LOGGING_CATEGORY(lcHandle, "plumtide.playback")
 } // namespace
 
-void TearDowns::run(const std::shared_ptr<TearDowns> &tearDowns, std::function<void()> tearDown)
-{
-    {
-        const std::scoped_lock lock(tearDowns->mutex_);
-        ++tearDowns->running_;
-    }
-    std::thread([tearDowns, work = std::move(tearDown)] {
-        work();
-        const std::scoped_lock lock(tearDowns->mutex_);
-        --tearDowns->running_;
-        tearDowns->changed_.notify_all();
-    }).detach();
-}
-
-bool TearDowns::waitForNone(std::chrono::milliseconds time)
-{
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, time, [this] { return running_ == 0; });
-}
-
-std::unique_ptr<MpvHandle> MpvHandle::create(const MpvLibrary &library, std::shared_ptr<TearDowns> tearDowns,
-                                             const Options &options)
+std::unique_ptr<MpvHandle> MpvHandle::create(const MpvLibrary &library,
+                                             std::shared_ptr<DetachedWork> detached, const Options &options)
 {
     mpv_handle *handle = library.create();
     if (handle == nullptr) {
         qCWarning(lcHandle) << "no sound: libmpv gives no handle";
         return nullptr;
     }
-    std::unique_ptr<MpvHandle> made(new MpvHandle(library, std::move(tearDowns), handle));
+    std::unique_ptr<MpvHandle> made(new MpvHandle(library, std::move(detached), handle));
     for (const auto &[name, value] : options) {
         // An option that this version does not know is one that it does not need.
         if (library.setOptionString(handle, name.constData(), value.constData()) < 0) {
@@ -49,9 +28,9 @@ std::unique_ptr<MpvHandle> MpvHandle::create(const MpvLibrary &library, std::sha
     return made;
 }
 
-MpvHandle::MpvHandle(const MpvLibrary &library, std::shared_ptr<TearDowns> tearDowns, mpv_handle *handle)
+MpvHandle::MpvHandle(const MpvLibrary &library, std::shared_ptr<DetachedWork> detached, mpv_handle *handle)
     : library_(library)
-    , tearDowns_(std::move(tearDowns))
+    , detached_(std::move(detached))
     , handle_(handle)
 {
 }
@@ -61,7 +40,7 @@ MpvHandle::~MpvHandle()
     library_.setWakeupCallback(handle_, nullptr, nullptr);
     // Silence comes first: the rest may take a while.
     setFlag("mute", true);
-    TearDowns::run(tearDowns_, [terminateDestroy = library_.terminateDestroy, handle = handle_] {
+    DetachedWork::run(detached_, [terminateDestroy = library_.terminateDestroy, handle = handle_] {
         terminateDestroy(handle);
     });
 }

@@ -1,31 +1,13 @@
 #pragma once
 
+#include "playback/mpv/detachedwork.h"
 #include "playback/mpv/mpvlibrary.h"
 
 #include <QByteArray>
-#include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
-
-/// Counts the handles that are being torn down, so that somebody may wait for the last of them. Thread-safe.
-class TearDowns
-{
-public:
-    /// Runs `tearDown` on a thread of its own.
-    static void run(const std::shared_ptr<TearDowns> &tearDowns, std::function<void()> tearDown);
-
-    /// Whether none is under way any more within `time`.
-    bool waitForNone(std::chrono::milliseconds time);
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    int running_ = 0;
-};
 
 /// One core of libmpv. Made on any thread; then used on one thread, except that the wake-up function is
 /// called on threads of libmpv. Never asks libmpv for anything that could block.
@@ -35,8 +17,8 @@ public:
     using Options = std::vector<std::pair<QByteArray, QByteArray>>;
 
     /// Null, and a line in the log, where libmpv refuses. The library must outlive the handle.
-    static std::unique_ptr<MpvHandle> create(const MpvLibrary &library, std::shared_ptr<TearDowns> tearDowns,
-                                             const Options &options);
+    static std::unique_ptr<MpvHandle> create(const MpvLibrary &library,
+                                             std::shared_ptr<DetachedWork> detached, const Options &options);
 
     /// Returns at once; the core is torn down elsewhere, because a name server that does not answer can hold
     /// it.
@@ -56,10 +38,10 @@ public:
     void setNumber(const char *property, qint64 value);
 
 private:
-    MpvHandle(const MpvLibrary &library, std::shared_ptr<TearDowns> tearDowns, mpv_handle *handle);
+    MpvHandle(const MpvLibrary &library, std::shared_ptr<DetachedWork> detached, mpv_handle *handle);
 
     const MpvLibrary &library_;
-    std::shared_ptr<TearDowns> tearDowns_;
+    std::shared_ptr<DetachedWork> detached_;
     mpv_handle *handle_;
     std::function<void()> wakeup_;
 };
