@@ -15,7 +15,7 @@ constexpr qreal titleScale = 1.35;
 constexpr qreal secondaryScale = 0.95;
 
 /// From the status dot to the listeners; the last column takes the rest.
-constexpr std::array columnWidths{40, 304, 144, 80, 128, 104};
+constexpr std::array columnWidths{40, 264, 128, 72, 120, 96};
 
 void scaleFont(QWidget *widget, qreal factor)
 {

@@ -1,0 +1,127 @@
+// From a directory answer to a painted table, beside what expat alone needs for as many passes over the same
+// bytes.
+
+#include "mainwindow/stationtable.h"
+#include "ui/rvtableview.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <algorithm>
+#include <cstdio>
+#include <expat.h>
+#include <malloc.h>
+#include <vector>
+
+namespace {
+constexpr int rounds = 9;
+/// A successful answer is delivered twice, and so parsed twice.
+constexpr int deliveries = 2;
+
+QByteArray answerOf(int stations)
+{
+    QByteArray answer = R"(<?xml version="1.0" encoding="UTF-8"?><stationlist><tunein base="/tune.pls"/>)";
+    for (int number = 0; number < stations; ++number) {
+        const QByteArray text = QByteArray::number(number);
+        answer += "<station name=\"Radio \xc3\x89toile " + text +
+                  " - the best of the coast\" mt=\"audio/mpeg\" id=\"" + text +
+                  R"(" br="128" genre="Jazz" genre2="Soul" logo="http://img.example/)" + text +
+                  R"(.png" ct="Some Artist - Some Title of a Song" lc=")" + text + "\"/>";
+    }
+    return answer + "</stationlist>";
+}
+
+template <class Work>
+double medianMilliseconds(const Work &work)
+{
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
+    return times[rounds / 2];
+}
+
+void parseWithExpatAlone(const QByteArray &answer)
+{
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetElementHandler(
+        parser, [](void *, const XML_Char *, const XML_Char **) {}, [](void *, const XML_Char *) {});
+    XML_Parse(parser, answer.constData(), static_cast<int>(answer.size()), 1);
+    XML_ParserFree(parser);
+}
+
+/// What the directory client does with an answer, without the transfer.
+class ListBuilder : public AnswerParserDelegate
+{
+public:
+    StationList parse(const QByteArray &answer)
+    {
+        raw_.clear();
+        AnswerParser parser(*this);
+        parser.parse(answer);
+        return entries_;
+    }
+
+private:
+    void parserDidStartElement(AnswerParser &, QByteArrayView name, const AttributeMap &attributes) override
+    {
+        if (name == "station") {
+            raw_.append(StationEntry(attributes));
+        }
+    }
+    void parserFoundCharacters(AnswerParser &, const QString &) override {}
+    void parserDidEndElement(AnswerParser &, QByteArrayView) override {}
+    void parserDidEndDocument(AnswerParser &) override
+    {
+        entries_.clear();
+        for (const StationEntry &entry : std::as_const(raw_)) {
+            entries_.append(entry.withNumbers());
+        }
+    }
+
+    StationList raw_;
+    StationList entries_;
+};
+
+double heapMegabytes()
+{
+    const auto info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd) / 1e6;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QApplication application(argc, argv);
+    StationTable stations;
+    RVTableView view;
+    view.setModel(&stations);
+    view.resize(1180, 600);
+    view.show();
+
+    std::puts("stations   expat, 2 passes   answer to painted table   ratio   sort by name   heap");
+    for (const int count : {500, 5'000, 50'000}) {
+        const QByteArray answer = answerOf(count);
+        const double expat = medianMilliseconds([&answer] {
+            for (int delivery = 0; delivery < deliveries; ++delivery) {
+                parseWithExpatAlone(answer);
+            }
+        });
+        const double before = heapMegabytes();
+        ListBuilder builder;
+        const double painted = medianMilliseconds([&] {
+            for (int delivery = 0; delivery < deliveries; ++delivery) {
+                stations.reload(builder.parse(answer));
+            }
+            view.grab();
+        });
+        const double heap = heapMegabytes() - before;
+        const double sorted = medianMilliseconds([&stations] { stations.sort(1); });
+        std::printf("%8d %14.1f ms %22.1f ms %7.2f %11.1f ms %5.1f MB\n", count, expat, painted,
+                    painted / expat, sorted, heap);
+    }
+    return 0;
+}

@@ -1,0 +1,74 @@
+// A program that ends when it has painted its first frame, to be timed from outside: the real window, or with
+// --empty a window that holds nothing but a table of 500 rows.
+
+#include "app/environment.h"
+#include "mainwindow/mainwindow.h"
+#include "playback/mpv/mpvbackend.h"
+#include "ui/look.h"
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QStandardItemModel>
+#include <QTableView>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+constexpr int emptyRows = 500;
+constexpr int emptyColumns = 7;
+
+class EmptyWindow : public QMainWindow
+{
+public:
+    EmptyWindow()
+        : rows_(emptyRows, emptyColumns)
+    {
+        auto *table = new QTableView(this);
+        table->setModel(&rows_);
+        setCentralWidget(table);
+        resize(1180, 760);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QMainWindow::paintEvent(event);
+        QMetaObject::invokeMethod(
+            this, [] { std::_Exit(0); }, Qt::QueuedConnection);
+    }
+
+private:
+    QStandardItemModel rows_;
+};
+
+int runEmpty(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    EmptyWindow window;
+    window.show();
+    return QApplication::exec();
+}
+
+int runReal(int argc, char **argv)
+{
+    const auto environment = Environment::from(QProcessEnvironment::systemEnvironment());
+    if (const auto *refusal = std::get_if<QString>(&environment)) {
+        std::fprintf(stderr, "%s\n", qPrintable(*refusal));
+        return 2;
+    }
+    const auto &[endpoints, audioOutput] = std::get<Environment>(environment);
+    MpvBackend backend(audioOutput);
+    QApplication application(argc, argv);
+    applyLook(application);
+    MainWindow window(endpoints, backend);
+    QObject::connect(&window, &MainWindow::firstFramePainted, &window, [] { std::_Exit(0); });
+    window.show();
+    return QApplication::exec();
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const bool empty = argc > 1 && QByteArrayView(argv[1]) == "--empty";
+    return empty ? runEmpty(argc, argv) : runReal(argc, argv);
+}
