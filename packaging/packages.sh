@@ -9,30 +9,30 @@ need_packages() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
 
-    local as_root=()
+    local as_root=() log status=0
     if [ "$(id -u)" -ne 0 ]; then
-        if ! command -v sudo >/dev/null; then
-            echo "These packages are missing: ${missing[*]}" >&2
-            echo "Install them as root: apt-get install ${missing[*]}" >&2
-            exit 1
-        fi
         as_root=(sudo)
     fi
-    echo "Installing ${missing[*]}"
-    if ! { "${as_root[@]}" apt-get update -q &&
-        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"; } \
-        >/tmp/plumtide-packages.$$ 2>&1; then
-        cat /tmp/plumtide-packages.$$ >&2
-        rm -f /tmp/plumtide-packages.$$
-        echo "These packages could not be installed: ${missing[*]}" >&2
-        exit 1
+    log=$(mktemp)
+    if [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null; then
+        echo "Installing ${missing[*]}"
+        { "${as_root[@]}" apt-get update -q && "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -q --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 || status=1
+    else
+        status=1
     fi
-    rm -f /tmp/plumtide-packages.$$
+    if [ $status -ne 0 ]; then
+        cat "$log" >&2
+        echo "These packages are missing: ${missing[*]}" >&2
+        echo "Install them as root: apt-get install ${missing[*]}" >&2
+    fi
+    rm -f "$log"
+    [ $status -eq 0 ] || exit 1
 }
 
 # What the program and localradio are built from, and what they need when they run.
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libexpat1-dev libmpv-dev ffmpeg
-    fonts-dejavu-core)
+    fonts-dejavu-core ca-certificates)
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.

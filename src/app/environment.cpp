@@ -6,7 +6,8 @@
 #include <optional>
 
 namespace {
-/// The address in a variable without its trailing slashes; null where the variable holds something else.
+/// The address in a variable without its trailing slashes; null where the variable holds something else, or
+/// an address in a form that the directory client cannot use.
 QString httpAddress(const QString &value)
 {
     const QUrl url(value, QUrl::StrictMode);
@@ -17,7 +18,8 @@ QString httpAddress(const QString &value)
     while (address.endsWith(u'/')) {
         address.chop(1);
     }
-    return address;
+    // It goes through the same escaping as every address, which not all of them survive.
+    return isHttpUrl(urlFromAddress(address)) ? address : QString();
 }
 
 QString refusal(const QString &variable, const QString &value, const QString &wanted)

@@ -9,10 +9,12 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
+#include <chrono>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
+#include <variant>
 
 namespace {
 Q_LOGGING_CATEGORY(lcApp, "plumtide.app")

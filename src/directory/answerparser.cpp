@@ -65,7 +65,7 @@ private:
 
 bool AnswerParser::parse(const QByteArray &document)
 {
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat(XML_ParserCreate(nullptr),
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat(XML_ParserCreate("UTF-8"),
                                                                              &XML_ParserFree);
     expat_ = expat.get();
     XML_SetUserData(expat.get(), this);

@@ -25,7 +25,8 @@ public:
     virtual void parserDidEndDocument(AnswerParser &parser) = 0;
 };
 
-/// Reads one XML document from memory and tells its delegate what it finds.
+/// Reads one XML document in UTF-8 from memory and tells its delegate what it finds. Another encoding that
+/// the document declares is not looked at.
 ///
 /// What comes from a server is bounded: a document type declaration, a tag (or any other token) of more than
 /// maximumTokenBytes, or elements nested deeper than maximumDepth end the parse like a document that is not

@@ -8,6 +8,7 @@
 class Base64
 {
 public:
+    /// Empty text for no bytes.
     static QString encode(const QByteArray &bytes);
     /// Empty text for a null pointer or a length of 0 or less.
     static QString encode(const char *bytes, qint64 length);

@@ -1,5 +1,7 @@
 #include "directory/displaytext.h"
 
+#include <algorithm>
+
 namespace {
 /// The explicit directional marks of the Unicode bidirectional algorithm (UAX #9): embeddings, overrides,
 /// isolates and their ends. The implicit marks (LRM, RLM, ALM) only help and stay.

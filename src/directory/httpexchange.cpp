@@ -5,6 +5,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <algorithm>
 
 namespace {
 /// Whether the exchange itself went wrong, as against a server that answered with an error status: those
@@ -85,6 +86,7 @@ void HttpExchange::send(const QUrl &url)
     reply_ = request_.method == "GET" ? network_->get(request)
                                       : network_->sendCustomRequest(request, request_.method, request_.body);
     reply_->setReadBufferSize(readBufferBytes);
+    connect(reply_, &QNetworkReply::metaDataChanged, this, &HttpExchange::readHead);
     connect(reply_, &QNetworkReply::readyRead, this, &HttpExchange::readBody);
     connect(reply_, &QNetworkReply::finished, this, &HttpExchange::end);
     // Some transport faults end in this signal and never in the other.
@@ -95,26 +97,29 @@ void HttpExchange::send(const QUrl &url)
     });
 }
 
+/// A redirect is followed as soon as it is known: its body may be long, or never end.
 void HttpExchange::readHead()
 {
     response_.url = reply_->url();
     response_.status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     response_.headers = reply_->rawHeaderPairs();
+    if (isRedirect(response_)) {
+        redirect();
+    }
 }
 
+/// Whoever listens may have seen enough after what fits, and cancel.
 void HttpExchange::readBody()
 {
-    readHead();
-    if (body_.size() + reply_->bytesAvailable() > request_.maximumBytes) {
+    const qint64 room = request_.maximumBytes - body_.size();
+    const QByteArray more = reply_->read(std::min(room, reply_->bytesAvailable()));
+    if (!more.isEmpty()) {
+        body_ += more;
+        Q_EMIT bodyReceived();
+    }
+    if (reply_ != nullptr && body_.size() == request_.maximumBytes && reply_->bytesAvailable() > 0) {
         fail(QNetworkReply::UnknownContentError, QStringLiteral("the answer is too long"));
-        return;
     }
-    const QByteArray more = reply_->readAll();
-    if (isRedirect(response_) || more.isEmpty()) {
-        return;
-    }
-    body_ += more;
-    Q_EMIT bodyReceived();
 }
 
 void HttpExchange::end()
@@ -123,13 +128,8 @@ void HttpExchange::end()
         fail(reply_->error(), reply_->errorString());
         return;
     }
-    readHead();
-    if (isRedirect(response_)) {
-        redirect();
-        return;
-    }
     // What the last signal of new data left behind.
-    if (reply_->bytesAvailable() > 0) {
+    while (reply_ != nullptr && reply_->bytesAvailable() > 0) {
         readBody();
     }
     if (reply_ != nullptr) {
@@ -167,7 +167,9 @@ void HttpExchange::dropReply()
 {
     if (reply_ != nullptr) {
         reply_->disconnect(this);
-        reply_->abort();
+        if (reply_->error() == QNetworkReply::NoError) {
+            reply_->abort();
+        }
         reply_->deleteLater();
         reply_ = nullptr;
     }

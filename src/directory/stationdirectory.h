@@ -41,6 +41,7 @@ public:
     void getTop500();
     /// A search; `query` goes into the address as it stands.
     void getRadioByQuery(const QString &query);
+    /// A few stations of the directory's own choice.
     void getRandomStation();
 
     /// Fetches `address`, percent-escaped once. The answer is parsed as a station list for model 1 only; for

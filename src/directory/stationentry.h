@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 #include <QVariant>
+#include <optional>
+#include <utility>
 
 /// One row of the station list: the attributes of a directory "station" element as text, exactly as they
 /// arrived, and two numbers that updateReadWriteData() adds. A value type; copies share their text.

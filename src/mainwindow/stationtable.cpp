@@ -3,9 +3,11 @@
 #include "directory/displaytext.h"
 #include "directory/exception.h"
 #include "model/rvobject.h"
+#include "ui/plaintooltip.h"
 #include "ui/svgicon.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <optional>
@@ -39,6 +41,11 @@ constexpr std::array<Column, 7> columns{{
 const Column &columnAt(int section)
 {
     return columns.at(static_cast<std::size_t>(section));
+}
+
+QVariant alignmentOf(const Column &column)
+{
+    return QVariant::fromValue(Qt::AlignVCenter | (column.isNumber ? Qt::AlignRight : Qt::AlignLeft));
 }
 
 QVariant typeName(const StationEntry &entry)
@@ -123,33 +130,35 @@ QVariant StationTable::tableViewObjectValueForTableColumn(const QTableView *, QL
 void StationTable::tableViewSortDescriptorsDidChange(const QTableView *,
                                                      const QList<SortDescriptor> &descriptors)
 {
-    if (descriptors.isEmpty()) {
-        return;
+    // Stable sorts, the least important first, leave the order of them all.
+    for (auto descriptor = descriptors.crbegin(); descriptor != descriptors.crend(); ++descriptor) {
+        Q_EMIT sortRequested(rowComparison(*descriptor));
     }
-    const SortDescriptor &descriptor = descriptors.constFirst();
+}
+
+StationDirectory::RowComparison StationTable::rowComparison(const SortDescriptor &descriptor) const
+{
     const QByteArray keyName = descriptor.key.toLatin1();
     const QLatin1StringView key(keyName);
     const bool isNumber = std::any_of(columns.begin(), columns.end(), [key](const Column &column) {
         return column.sortKey == key && column.isNumber;
     });
     if (isNumber) {
-        Q_EMIT sortRequested(
-            comparison<qint64>(radioData_, descriptor.order, [key](const StationEntry &entry) {
-                const QVariant value = entry.value(key);
-                return value.isValid() ? std::optional(value.toLongLong()) : std::nullopt;
-            }));
-    } else {
-        Q_EMIT sortRequested(comparison<QCollatorSortKey>(
-            radioData_, descriptor.order, [this, key](const StationEntry &entry) {
-                const QString text = entry.text(key);
-                return text.isNull() ? std::nullopt : std::optional(collator_.sortKey(text));
-            }));
+        return comparison<qint64>(radioData_, descriptor.order, [key](const StationEntry &entry) {
+            const QVariant value = entry.value(key);
+            return value.isValid() ? std::optional(value.toLongLong()) : std::nullopt;
+        });
     }
+    return comparison<QCollatorSortKey>(radioData_, descriptor.order, [this, key](const StationEntry &entry) {
+        const QString text = entry.text(key);
+        return text.isNull() ? std::nullopt : std::optional(collator_.sortKey(text));
+    });
 }
 
 int StationTable::bitrateToStar(double bitrate)
 {
-    switch (static_cast<int>(std::clamp(bitrate, 0.0, 1000.0))) {
+    constexpr double beyondEveryLevel = 1000;
+    switch (bitrate >= 0 && bitrate < beyondEveryLevel ? static_cast<int>(bitrate) : 0) {
     case 32:
         return 1;
     case 64:
@@ -180,9 +189,12 @@ int StationTable::columnCount(const QModelIndex &parent) const
 
 QVariant StationTable::data(const QModelIndex &index, int role) const
 {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
+        return {};
+    }
     const Column &column = columnAt(index.column());
     if (role == Qt::TextAlignmentRole) {
-        return QVariant::fromValue(Qt::AlignVCenter | (column.isNumber ? Qt::AlignRight : Qt::AlignLeft));
+        return alignmentOf(column);
     }
     const bool isStatus = column.identifier == QLatin1StringView("id_status");
     const bool wanted =
@@ -195,12 +207,12 @@ QVariant StationTable::data(const QModelIndex &index, int role) const
         return value;
     }
     const QString shown = displayedText(value);
-    return role == Qt::ToolTipRole ? shown.toHtmlEscaped() : shown;
+    return role == Qt::ToolTipRole ? plainToolTip(shown) : shown;
 }
 
 QVariant StationTable::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation != Qt::Horizontal) {
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
         return {};
     }
     const Column &column = columnAt(section);
@@ -208,7 +220,7 @@ QVariant StationTable::headerData(int section, Qt::Orientation orientation, int 
     case Qt::DisplayRole:
         return QCoreApplication::translate("StationTable", column.title);
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue(Qt::AlignVCenter | (column.isNumber ? Qt::AlignRight : Qt::AlignLeft));
+        return alignmentOf(column);
     case identifierRole:
         return QString(column.identifier);
     default:

@@ -34,7 +34,7 @@ public:
     QVariant tableViewObjectValueForTableColumn(const QTableView *table, QLatin1StringView identifier,
                                                 qsizetype row) const;
 
-    /// Asks for the list to be sorted by the first of `descriptors`; does nothing where there is none.
+    /// Asks for the list to be sorted by `descriptors`, those that the table has now.
     void tableViewSortDescriptorsDidChange(const QTableView *table, const QList<SortDescriptor> &descriptors);
 
     /// The star level for a bit rate in kbit/s: exact matches, and the top level for every other value.
@@ -54,6 +54,7 @@ Q_SIGNALS:
     void sortRequested(const StationDirectory::RowComparison &before);
 
 private:
+    StationDirectory::RowComparison rowComparison(const SortDescriptor &descriptor) const;
     QString displayedText(const QVariant &value) const;
 
     StationList radioData_;

@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 bool isRunning(const BackendPlayer &player)

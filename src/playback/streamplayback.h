@@ -46,10 +46,13 @@ public:
     /// Pauses a player whose rate is not 0, resumes one whose rate is.
     Toggle togglePause();
 
+    /// Null while nothing plays.
     const std::shared_ptr<BackendPlayer> &myBackendPlayer() const { return myBackendPlayer_; }
+    /// The item that was made last; null once it has been torn down.
     std::shared_ptr<BackendItem> playeritem() const { return playeritem_.get(); }
-    /// Whether a time-out is running.
+    /// The time-out of the latest start; null once it has been taken back.
     const QTimer *globalTimer() const { return globalTimer_.get(); }
+    /// Whether a stream is known to be playing.
     bool isPlaying() const { return isPlaying_; }
 
 Q_SIGNALS:

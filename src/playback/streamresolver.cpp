@@ -52,11 +52,12 @@ void StreamResolver::next()
 {
     endLook();
     handedOut_.clear();
-    if (waiting_.empty()) {
+    if (waiting_.empty() || tried_ == maximumCandidates) {
         share_.stop();
         Q_EMIT failed();
         return;
     }
+    ++tried_;
     current_ = waiting_.front();
     waiting_.pop_front();
     shareTime();

@@ -24,8 +24,10 @@ class StreamResolver : public QObject
 public:
     /// How deep playlists may name playlists.
     static constexpr int maximumDepth = 3;
+    /// How many candidates one start tries: playlists that name each other multiply.
+    static constexpr int maximumCandidates = 64;
 
-    /// What a server that cannot be asked by its own name is told: who is listening.
+    /// The User-Agent that stream servers are sent.
     static QByteArray userAgent();
 
     StreamResolver(const QUrl &address, std::chrono::milliseconds timeout, QObject *parent = nullptr);
@@ -59,6 +61,7 @@ private:
     void endLook();
 
     std::deque<Candidate> waiting_;
+    int tried_ = 0;
     Candidate current_;
     /// What has been handed out of the current candidate.
     QUrl handedOut_;

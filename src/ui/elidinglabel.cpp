@@ -1,5 +1,7 @@
 #include "ui/elidinglabel.h"
 
+#include "ui/plaintooltip.h"
+
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
@@ -19,7 +21,7 @@ QSize ElidingLabel::minimumSizeHint() const
 bool ElidingLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && isElided()) {
-        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text().toHtmlEscaped(), this);
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
         return true;
     }
     return QLabel::event(event);

@@ -27,6 +27,7 @@ RVTableView::RVTableView(QWidget *parent)
     setHorizontalScrollMode(ScrollPerPixel);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    connect(horizontalHeader(), &QHeaderView::sortIndicatorChanged, this, &RVTableView::markSortedColumn);
     // Fixed heights keep a reload as quick with 50,000 rows as with 50.
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fixedRowHeight);
@@ -43,8 +44,27 @@ void RVTableView::setPlaceholderText(const QString &text)
 
 void RVTableView::clearSortIndicator()
 {
+    sortedSection_ = -1;
+    sortOrder_ = Qt::AscendingOrder;
+    showSortedColumn();
+}
+
+void RVTableView::markSortedColumn(int section, Qt::SortOrder order)
+{
+    const bool untitled =
+        model() != nullptr && model()->headerData(section, Qt::Horizontal).toString().isEmpty();
+    if (section >= 0 && untitled) {
+        showSortedColumn();
+    } else {
+        sortedSection_ = section;
+        sortOrder_ = order;
+    }
+}
+
+void RVTableView::showSortedColumn()
+{
     const QSignalBlocker quiet(horizontalHeader());
-    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    horizontalHeader()->setSortIndicator(sortedSection_, sortOrder_);
     horizontalHeader()->viewport()->update();
 }
 

@@ -17,7 +17,8 @@ public:
     /// A quiet line in the middle of a table without rows; none where empty.
     void setPlaceholderText(const QString &text);
 
-    /// No column is marked as sorted any more; nothing is sorted by this.
+    /// No column is marked as sorted any more; nothing is sorted by this. A column without a title cannot be
+    /// sorted by, and never gets the mark.
     void clearSortIndicator();
 
 Q_SIGNALS:
@@ -30,7 +31,11 @@ protected:
 
 private:
     void act(int row);
+    void markSortedColumn(int section, Qt::SortOrder order);
+    void showSortedColumn();
 
     int clickedRow_ = -1;
+    int sortedSection_ = -1;
+    Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
     QString placeholderText_;
 };

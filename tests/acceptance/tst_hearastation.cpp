@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QSettings>
+#include <QSignalSpy>
+#include <QTcpSocket>
 #include <QTest>
 #include <QToolButton>
 #include <clocale>
@@ -18,6 +20,8 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int soundTime = 15'000;
 constexpr double quarterTone = 1.0293;
+/// About four seconds of MP3 at 128 kbit/s.
+constexpr int burstBytes = 64'000;
 
 /// The real window and the real player before a directory.
 struct Stage
@@ -66,6 +70,7 @@ private Q_SLOTS:
     void initTestCase();
     void stationsAreHeard();
     void pauseKeepsTheConnection();
+    void lostConnectionsAreNoticed();
     void deadStationsEndInTheirTexts_data();
     void deadStationsEndInTheirTexts();
 
@@ -112,11 +117,36 @@ void TestHearAStation::pauseKeepsTheConnection()
 
     stage.statuses.clear();
     stage.click(u"transportPlayButton"_s);
-    QTest::qWait(2500);
-    QCOMPARE(stage.statuses, QStringList{u"Paused (buffering in background)"_s});
+    // What is loaded meanwhile does not talk over the pause.
+    QSignalSpy anything(&stage.window.player().streamPlayback(), &StreamPlayback::statusChanged);
+    QVERIFY(!anything.wait(2500));
     stage.click(u"transportPlayButton"_s);
-    QTRY_COMPARE(stage.statuses.constLast(), u"- Streaming -"_s);
+    QTRY_COMPARE(stage.statuses, (QStringList{u"Paused (buffering in background)"_s, u"- Streaming -"_s}));
     QCOMPARE(radio_.logged(u"request"_s).size(), requests);
+}
+
+/// A server that falls silent: the sound ends when the buffer has run out, and so does the player.
+void TestHearAStation::lostConnectionsAreNoticed()
+{
+    QTcpSocket radio;
+    radio.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(QUrl(radio_.address()).port()));
+    radio.write("GET " + radio_.stations().at(0)["streams"_L1][0].toString().toLatin1() +
+                " HTTP/1.0\r\n\r\n");
+    QByteArray burst;
+    QTRY_VERIFY((burst += radio.readAll()).size() > burstBytes);
+
+    ScriptedServer server;
+    server.scriptBody("/legacy/Top500/", "<l><tunein base='/tune'/><station name='dying' id='1'/></l>");
+    server.scriptBody("/tune", server.address(u"/dying"_s).toLatin1());
+    server.script("/dying", burst.first(burstBytes), ScriptedServer::After::StayOpen);
+    Stage stage(server.address(), *AudioOutput::fromText(u"null"_s));
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 1);
+    stage.doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.text(u"playerStatusString"_s), u"idle"_s, soundTime);
+    QCOMPARE(stage.statuses.first(3), healthyStart);
+    QCOMPARE(stage.statuses.mid(stage.statuses.size() - 3),
+             (QStringList{u"Buffering .."_s, u"Lost connection !"_s, u"Terminated / lost connection"_s}));
+    QTRY_COMPARE(server.openConnections(), 0);
 }
 
 void TestHearAStation::deadStationsEndInTheirTexts_data()

@@ -202,7 +202,9 @@ void TestDirectory::outcomesAreDelivered()
         });
     QVERIFY(delivered.isEmpty());
     QTRY_COMPARE(delivered, outcomes);
-    QVERIFY(server.requests().size() <= HttpExchange::maximumRedirects + 1);
+    if (answer.contains("Location: /")) {
+        QCOMPARE(server.requests().size(), HttpExchange::maximumRedirects + 1);
+    }
 }
 
 void TestDirectory::requestHeaders()
@@ -254,7 +256,8 @@ void TestDirectory::redirectsKeepCredentialsAtHome()
 {
     ScriptedServer home;
     ScriptedServer stranger;
-    home.script("/", "HTTP/1.1 302 x\r\nLocation: /again\r\nContent-Length: 0\r\n\r\n");
+    // A redirect whose body never ends is followed all the same.
+    home.script("/", "HTTP/1.1 302 x\r\nLocation: /again\r\n\r\nMoved", ScriptedServer::After::StayOpen);
     home.script("/again", "HTTP/1.1 301 x\r\nLocation: " + stranger.address(u"/there"_s).toLatin1() +
                               "\r\nContent-Length: 0\r\n\r\n");
     stranger.scriptBody("/there", "x");
@@ -363,6 +366,8 @@ void TestDirectory::unusableAnswersLeaveNothing_data()
     QTest::newRow("endless tag") << open + "<station name=\"" + QByteArray(1'000'000, 'x');
     QTest::newRow("NUL") << open + QByteArray("\0</stationlist>", 15);
     QTest::newRow("bad UTF-8") << open + "<station name=\"\xc3\x28\"/></stationlist>";
+    QTest::newRow("another encoding")
+        << "<?xml version='1.0' encoding='ISO-8859-1'?>" + open + "<station name=\"\xe9\"/></stationlist>";
     QTest::newRow("too many") << open + QByteArray("<station/>").repeated(StationDirectory::maximumStations) +
                                      "</stationlist>";
 }

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void candidates_data();
     void candidates();
     void deadCandidatesLeaveTime();
+    void playlistsDoNotMultiply();
 };
 
 void TestStreamResolver::kinds_data()
@@ -99,6 +100,7 @@ void TestStreamResolver::candidates_data()
     QTest::addColumn<QByteArray>("start");
     QTest::addColumn<QStringList>("handedOut");
     QTest::newRow("a stream") << QByteArray("/sound") << QStringList{u"/sound"_s};
+    QTest::newRow("a stream with a long burst") << QByteArray("/burst") << QStringList{u"/burst"_s};
     QTest::newRow("a redirect") << QByteArray("/moved") << QStringList{u"/sound"_s};
     QTest::newRow("an old server") << QByteArray("/icy") << QStringList{u"/icy"_s};
     // Handed out unseen, then looked at: the entry that was a redirect is found out.
@@ -116,6 +118,7 @@ void TestStreamResolver::candidates()
     QFETCH(QByteArray, start);
     ScriptedServer server;
     server.script("/sound", sound, ScriptedServer::After::StayOpen);
+    server.script("/burst", sound + QByteArray(2'000'000, '\x01'), ScriptedServer::After::StayOpen);
     server.script("/moved", "HTTP/1.0 302 x\r\nLocation: /sound\r\n\r\n");
     server.script("/icy", "ICY 200 OK\r\nicy-name: x\r\n\r\n" + QByteArray(100, '\x01'),
                   ScriptedServer::After::StayOpen);
@@ -155,6 +158,19 @@ void TestStreamResolver::deadCandidatesLeaveTime()
     // Nobody refuses the first one; its share of the time runs out.
     QTRY_COMPARE_WITH_TIMEOUT(found.size(), 2, 2000);
     QCOMPARE(found.at(1).at(0).toUrl().path(), u"/live"_s);
+}
+
+void TestStreamResolver::playlistsDoNotMultiply()
+{
+    ScriptedServer server;
+    server.scriptBody("/many", (server.address(u"/many"_s).toLatin1() + "\n").repeated(64));
+    StreamResolver resolver(QUrl(server.address(u"/many"_s)), std::chrono::seconds(10));
+    connect(&resolver, &StreamResolver::streamFound, &resolver, &StreamResolver::refused,
+            Qt::QueuedConnection);
+    const QSignalSpy failed(&resolver, &StreamResolver::failed);
+    resolver.start();
+    QTRY_COMPARE(failed.size(), 1);
+    QCOMPARE(server.requests().size(), StreamResolver::maximumCandidates);
 }
 
 QTEST_GUILESS_MAIN(TestStreamResolver)

@@ -28,7 +28,7 @@ private:
 };
 
 namespace {
-/// What a file may be waited for: two cores cannot write one file at a time.
+/// How long a new core waits for the one before it to close the sound file.
 constexpr std::chrono::milliseconds fileReleaseTime = std::chrono::seconds(2);
 
 /// libmpv takes whole seconds, and 0 for its own default.

@@ -62,7 +62,7 @@ void MpvHandle::observe(const char *property, mpv_format format)
     library_.observeProperty(handle_, 0, property, format);
 }
 
-void MpvHandle::command(const std::vector<QByteArray> &words)
+void MpvHandle::command(const std::vector<QByteArray> &words, quint64 reply)
 {
     std::vector<const char *> arguments;
     arguments.reserve(words.size() + 1);
@@ -70,7 +70,7 @@ void MpvHandle::command(const std::vector<QByteArray> &words)
         arguments.push_back(word.constData());
     }
     arguments.push_back(nullptr);
-    library_.commandAsync(handle_, 0, arguments.data());
+    library_.commandAsync(handle_, reply, arguments.data());
 }
 
 void MpvHandle::setFlag(const char *property, bool value)

@@ -32,8 +32,10 @@ public:
     /// The next event; its id is MPV_EVENT_NONE when there is none. Valid until the next call.
     const mpv_event &nextEvent();
 
+    /// Asks for an MPV_EVENT_PROPERTY_CHANGE now and at each change.
     void observe(const char *property, mpv_format format);
-    void command(const std::vector<QByteArray> &words);
+    /// Starts a command; its MPV_EVENT_COMMAND_REPLY carries `reply`.
+    void command(const std::vector<QByteArray> &words, quint64 reply);
     void setFlag(const char *property, bool value);
     void setNumber(const char *property, qint64 value);
 

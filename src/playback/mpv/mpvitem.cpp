@@ -110,7 +110,8 @@ void MpvItem::begin()
 
 void MpvItem::load(const QUrl &stream)
 {
-    handle_->command({"loadfile", stream.toEncoded(), "replace"});
+    entry_.reset();
+    handle_->command({"loadfile", stream.toEncoded(), "replace"}, ++loads_);
 }
 
 void MpvItem::fail()
@@ -160,8 +161,14 @@ void MpvItem::handle(const mpv_event &event)
     case MPV_EVENT_PROPERTY_CHANGE:
         propertyChanged(*static_cast<const mpv_event_property *>(event.data));
         break;
+    case MPV_EVENT_COMMAND_REPLY:
+        if (event.reply_userdata == loads_ && event.error >= 0) {
+            entry_ =
+                numberAt(static_cast<const mpv_event_command *>(event.data)->result, "playlist_entry_id");
+        }
+        break;
     case MPV_EVENT_END_FILE:
-        streamEnded(static_cast<const mpv_event_end_file *>(event.data)->reason);
+        streamEnded(*static_cast<const mpv_event_end_file *>(event.data));
         break;
     default:
         break;
@@ -215,9 +222,11 @@ void MpvItem::cacheChanged(const mpv_node &state)
     }
 }
 
-void MpvItem::streamEnded(mpv_end_file_reason reason)
+void MpvItem::streamEnded(const mpv_event_end_file &end)
 {
-    if (reason != MPV_END_FILE_REASON_EOF && reason != MPV_END_FILE_REASON_ERROR) {
+    // The end of one that has been given up already must not be taken for the end of its successor.
+    const bool current = entry_ == end.playlist_entry_id;
+    if (!current || (end.reason != MPV_END_FILE_REASON_EOF && end.reason != MPV_END_FILE_REASON_ERROR)) {
         return;
     }
     if (!sounded_) {

@@ -46,7 +46,7 @@ private:
     void propertyChanged(const mpv_event_property &property);
     void soundStarted();
     void cacheChanged(const mpv_node &state);
-    void streamEnded(mpv_end_file_reason reason);
+    void streamEnded(const mpv_event_end_file &end);
     void offerRanges();
     void reportFull(qint64 bytes);
     void reportEmpty();
@@ -57,6 +57,10 @@ private:
     std::unique_ptr<StreamResolver> resolver_;
     MpvPlayer *player_ = nullptr;
     std::atomic<bool> drainScheduled_ = false;
+    /// How often a stream has been loaded, and libmpv's number for the latest one; none before it has given
+    /// that.
+    quint64 loads_ = 0;
+    std::optional<qint64> entry_;
     bool begun_ = false;
     bool running_ = false;
     bool started_ = false;

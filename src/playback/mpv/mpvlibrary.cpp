@@ -9,6 +9,9 @@ Q_LOGGING_CATEGORY(lcLibrary, "plumtide.playback")
 /// The major version of the interface that the header describes; it is part of the shared object's name.
 constexpr int interfaceVersion = static_cast<int>(MPV_CLIENT_API_VERSION >> 16U);
 
+/// AV_LOG_QUIET.
+constexpr int ffmpegQuiet = -8;
+
 template <class Function>
 bool find(QLibrary &library, const char *name, Function &function)
 {
@@ -32,6 +35,11 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
         !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback)) {
         qCWarning(lcLibrary).noquote() << "no sound: libmpv cannot be used:" << library.errorString();
         return nullptr;
+    }
+    // FFmpeg, which libmpv brings along, would write to standard error what it thinks of a stream, addresses
+    // included.
+    if (const auto setLevel = reinterpret_cast<void (*)(int)>(library.resolve("av_log_set_level"))) {
+        setLevel(ffmpegQuiet);
     }
     return functions;
 }
