@@ -4,6 +4,7 @@
 #include "directory/displaytext.h"
 
 #include <optional>
+#include <tuple>
 
 namespace {
 /// The address in a variable without its trailing slashes; null where the variable holds something else, or
@@ -30,29 +31,24 @@ QString refusal(const QString &variable, const QString &value, const QString &wa
 
 std::variant<Environment, QString> Environment::from(const QProcessEnvironment &variables)
 {
-    const auto directoryVariable = QStringLiteral("PLUMTIDE_DIRECTORY_URL");
-    const auto tuneInVariable = QStringLiteral("PLUMTIDE_TUNEIN_URL");
-    const auto outputVariable = QStringLiteral("PLUMTIDE_AUDIO_OUTPUT");
-    const auto anAddress = QStringLiteral("an http or https address");
-
     Environment environment;
-    if (const QString value = variables.value(directoryVariable); !value.isEmpty()) {
-        const QString address = httpAddress(value);
-        if (address.isNull()) {
-            return refusal(directoryVariable, value, anAddress);
+    for (const auto &[variable, setting, end] :
+         {std::tuple(QStringLiteral("PLUMTIDE_DIRECTORY_URL"), &environment.endpoints.service.baseAddress,
+                     QStringLiteral("/")),
+          std::tuple(QStringLiteral("PLUMTIDE_TUNEIN_URL"), &environment.endpoints.tuneInBaseAddress,
+                     QString())}) {
+        if (const QString value = variables.value(variable); !value.isEmpty()) {
+            const QString address = httpAddress(value);
+            if (address.isNull()) {
+                return refusal(variable, value, QStringLiteral("an http or https address"));
+            }
+            *setting = address + end;
         }
-        environment.endpoints.service.baseAddress = address + QLatin1Char('/');
-    }
-    if (const QString value = variables.value(tuneInVariable); !value.isEmpty()) {
-        const QString address = httpAddress(value);
-        if (address.isNull()) {
-            return refusal(tuneInVariable, value, anAddress);
-        }
-        environment.endpoints.tuneInBaseAddress = address;
     }
     if (const QString key = variables.value(QStringLiteral("PLUMTIDE_DIRECTORY_KEY")); !key.isEmpty()) {
         environment.endpoints.service.developerKey = key;
     }
+    const auto outputVariable = QStringLiteral("PLUMTIDE_AUDIO_OUTPUT");
     if (const QString value = variables.value(outputVariable); !value.isEmpty()) {
         const auto output = AudioOutput::fromText(value);
         if (!output) {

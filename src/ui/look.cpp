@@ -6,39 +6,40 @@
 #include <QStyleFactory>
 
 namespace {
-constexpr QRgb accent = 0xff7b3f88;
-constexpr QRgb darkAccent = 0xffb07cc0;
 constexpr int darkBelowLightness = 128;
 
-QPalette lightPalette()
+struct Colours
 {
-    QPalette palette(QColor(0xf3f1f4), QColor(0xf3f1f4));
-    palette.setColor(QPalette::Base, QColor(0xffffff));
-    palette.setColor(QPalette::AlternateBase, QColor(0xf9f8fa));
-    palette.setColor(QPalette::Button, QColor(0xf3f1f4));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(role, QColor(0x26222a));
-        palette.setColor(QPalette::Disabled, role, QColor(0xa5a0aa));
-    }
-    palette.setColor(QPalette::PlaceholderText, QColor(0x85808b));
-    palette.setColor(QPalette::Highlight, QColor(accent));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    return palette;
-}
+    QRgb window;
+    QRgb base;
+    QRgb alternateBase;
+    QRgb button;
+    QRgb ink;
+    QRgb disabledInk;
+    QRgb quietInk;
+    /// The one accent: what is selected, and what plays.
+    QRgb accent;
+    QRgb accentInk;
+};
 
-QPalette darkPalette()
+constexpr Colours light{0xfff3f1f4, 0xffffffff, 0xfff9f8fa, 0xfff3f1f4, 0xff26222a,
+                        0xffa5a0aa, 0xff85808b, 0xff7b3f88, 0xffffffff};
+constexpr Colours dark{0xff26242a, 0xff1d1b20, 0xff222026, 0xff2f2c34, 0xffece9ef,
+                       0xff7c7782, 0xff9a95a0, 0xffb07cc0, 0xff1d1b20};
+
+QPalette paletteOf(const Colours &colours)
 {
-    QPalette palette(QColor(0x26242a), QColor(0x26242a));
-    palette.setColor(QPalette::Base, QColor(0x1d1b20));
-    palette.setColor(QPalette::AlternateBase, QColor(0x222026));
-    palette.setColor(QPalette::Button, QColor(0x2f2c34));
+    QPalette palette(QColor(colours.window), QColor(colours.window));
+    palette.setColor(QPalette::Base, QColor(colours.base));
+    palette.setColor(QPalette::AlternateBase, QColor(colours.alternateBase));
+    palette.setColor(QPalette::Button, QColor(colours.button));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(role, QColor(0xece9ef));
-        palette.setColor(QPalette::Disabled, role, QColor(0x7c7782));
+        palette.setColor(role, QColor(colours.ink));
+        palette.setColor(QPalette::Disabled, role, QColor(colours.disabledInk));
     }
-    palette.setColor(QPalette::PlaceholderText, QColor(0x9a95a0));
-    palette.setColor(QPalette::Highlight, QColor(darkAccent));
-    palette.setColor(QPalette::HighlightedText, QColor(0x1d1b20));
+    palette.setColor(QPalette::PlaceholderText, QColor(colours.quietInk));
+    palette.setColor(QPalette::Highlight, QColor(colours.accent));
+    palette.setColor(QPalette::HighlightedText, QColor(colours.accentInk));
     return palette;
 }
 } // namespace
@@ -47,9 +48,9 @@ void applyLook(QApplication &application)
 {
     // They lie in a static library, whose initialisers the linker drops.
     Q_INIT_RESOURCE(plumtide);
-    const bool dark = QApplication::palette().color(QPalette::Window).lightness() < darkBelowLightness;
+    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < darkBelowLightness;
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setPalette(dark ? darkPalette() : lightPalette());
+    QApplication::setPalette(paletteOf(isDark ? dark : light));
     QFile sheet(QStringLiteral(":/look.qss"));
     if (sheet.open(QIODevice::ReadOnly)) {
         application.setStyleSheet(QString::fromUtf8(sheet.readAll()));

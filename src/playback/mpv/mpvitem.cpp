@@ -83,7 +83,7 @@ void MpvItem::setRunning(bool running)
     if (running) {
         offerRanges();
     }
-    if (running && drained_) {
+    if (running && (starved_ || ended_)) {
         // What ran out during the pause is reported when its sound is missed.
         QMetaObject::invokeMethod(this, &MpvItem::reportEmpty, Qt::QueuedConnection);
     }
@@ -182,8 +182,11 @@ void MpvItem::propertyChanged(const mpv_event_property &property)
         const bool value = *static_cast<const int *>(property.data) != 0;
         if (name == QLatin1StringView("core-idle") && !value && !sounded_) {
             soundStarted();
-        } else if (name == QLatin1StringView("paused-for-cache") && value && sounded_ && running_) {
-            reportEmpty();
+        } else if (name == QLatin1StringView("paused-for-cache")) {
+            starved_ = value && sounded_;
+            if (starved_ && running_) {
+                reportEmpty();
+            }
         }
     } else if (property.format == MPV_FORMAT_NODE) {
         cacheChanged(*static_cast<const mpv_node *>(property.data));
@@ -233,7 +236,7 @@ void MpvItem::streamEnded(const mpv_event_end_file &end)
         resolver_->refused();
         return;
     }
-    drained_ = true;
+    ended_ = true;
     if (running_) {
         reportEmpty();
     }

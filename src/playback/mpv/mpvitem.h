@@ -65,8 +65,10 @@ private:
     bool running_ = false;
     bool started_ = false;
     bool sounded_ = false;
-    /// Nothing more comes: the connection is lost and all that was loaded has been played.
-    bool drained_ = false;
+    /// Everything that was loaded has been played, and more is being waited for.
+    bool starved_ = false;
+    /// The same, and nothing more will come.
+    bool ended_ = false;
     bool emptyReported_ = false;
     bool fullReported_ = false;
     QVariantList ranges_;
