@@ -14,14 +14,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
+#include <thread>
 #include <variant>
 
 namespace {
 Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
 
 constexpr int unusableEnvironment = 2;
-/// How long the end of the program waits for what is still being torn down.
-constexpr std::chrono::milliseconds tearDownTime{500};
+/// How long the program may take to end once its window is gone.
+constexpr std::chrono::milliseconds endingTime{1000};
 
 /// Makes the allocator give back what each station leaves behind. With its own, growing thresholds a program
 /// that changes stations for a day keeps several times what it uses.
@@ -31,6 +32,16 @@ void returnFreedMemory()
     mallopt(M_TRIM_THRESHOLD, thresholdBytes);
     mallopt(M_MMAP_THRESHOLD, thresholdBytes);
     mallopt(M_ARENA_MAX, 2);
+}
+
+/// Ends the process after endingTime, whatever still holds it up then. Name lookups that are never answered
+/// would: the toolkit waits for its own, and a core of libmpv for those of its stream.
+void boundEnding(int status)
+{
+    std::thread([status] {
+        std::this_thread::sleep_for(endingTime);
+        std::_Exit(status);
+    }).detach();
 }
 
 /// Logs what an event handler lets escape; the event is lost, the program goes on.
@@ -68,6 +79,7 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         status = QApplication::exec();
         window.hide();
     }
+    boundEnding(status);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return status;
 }
@@ -99,9 +111,7 @@ int main(int argc, char *argv[])
 
     MpvBackend backend(std::get<Environment>(environment).audioOutput);
     const int status = runWindow(argc, argv, std::get<Environment>(environment), backend);
-    if (!backend.waitForDetachedWork(tearDownTime)) {
-        // Threads are still at work that exit handlers would pull the ground from under.
-        std::_Exit(status);
-    }
+    // Exit handlers would pull the ground from under threads that are still at work.
+    backend.waitForDetachedWork(2 * endingTime);
     return status;
 }

@@ -167,9 +167,6 @@ void HttpExchange::dropReply()
 {
     if (reply_ != nullptr) {
         reply_->disconnect(this);
-        if (reply_->error() == QNetworkReply::NoError) {
-            reply_->abort();
-        }
         reply_->deleteLater();
         reply_ = nullptr;
     }

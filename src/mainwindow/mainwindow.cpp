@@ -37,7 +37,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
     player_ = std::make_unique<Player>(outlets, endpoints, backend);
     bindTransport();
     bindMenus();
-    connect(ui_->searchField, &QLineEdit::returnPressed, player_.get(), &Player::searchForRadio);
+    bindSearch();
     connect(&player_->stationDirectory(), &StationDirectory::busyChanged, this, &MainWindow::showPlaceholder);
     player_->awakeFromNib();
     layOut();
@@ -50,7 +50,6 @@ void MainWindow::layOut()
     scaleFont(ui_->playerStatusString, titleScale);
     scaleFont(ui_->subtitleStatusString, secondaryScale);
     ui_->transportStopButton->setIcon(svgIcon(QStringLiteral("stop"), boxInk));
-    ui_->searchField->addAction(svgIcon(QStringLiteral("search"), boxInk), QLineEdit::LeadingPosition);
 
     QHeaderView *header = ui_->myTableView->horizontalHeader();
     for (std::size_t section = 0; section < columnWidths.size(); ++section) {
@@ -72,6 +71,19 @@ void MainWindow::bindTransport()
     }
     connect(&player_->streamPlayback(), &StreamPlayback::runningChanged, this, &MainWindow::showRunning);
     showRunning(false);
+}
+
+void MainWindow::bindSearch()
+{
+    connect(ui_->searchField, &QLineEdit::returnPressed, player_.get(), &Player::searchForRadio);
+    for (auto *clear : ui_->searchField->findChildren<QToolButton *>()) {
+        clear->setAccessibleName(tr("Clear"));
+        clear->setToolTip(tr("Clear"));
+    }
+    QAction *search =
+        ui_->searchField->addAction(svgIcon(QStringLiteral("search"), boxInk), QLineEdit::LeadingPosition);
+    search->setText(tr("Search"));
+    connect(search, &QAction::triggered, player_.get(), &Player::searchForRadio);
 }
 
 void MainWindow::bindMenus()

@@ -33,6 +33,7 @@ protected:
 private:
     void layOut();
     void bindTransport();
+    void bindSearch();
     void bindMenus();
     void showRunning(bool running);
     void showPlaceholder(bool busy);
