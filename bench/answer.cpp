@@ -53,39 +53,6 @@ void parseWithExpatAlone(const QByteArray &answer)
     XML_ParserFree(parser);
 }
 
-/// What the directory client does with an answer, without the transfer.
-class ListBuilder : public AnswerParserDelegate
-{
-public:
-    StationList parse(const QByteArray &answer)
-    {
-        raw_.clear();
-        AnswerParser parser(*this);
-        parser.parse(answer);
-        return entries_;
-    }
-
-private:
-    void parserDidStartElement(AnswerParser &, QByteArrayView name, const AttributeMap &attributes) override
-    {
-        if (name == "station") {
-            raw_.append(StationEntry(attributes));
-        }
-    }
-    void parserFoundCharacters(AnswerParser &, const QString &) override {}
-    void parserDidEndElement(AnswerParser &, QByteArrayView) override {}
-    void parserDidEndDocument(AnswerParser &) override
-    {
-        entries_.clear();
-        for (const StationEntry &entry : std::as_const(raw_)) {
-            entries_.append(entry.withNumbers());
-        }
-    }
-
-    StationList raw_;
-    StationList entries_;
-};
-
 double heapMegabytes()
 {
     const auto info = mallinfo2();
@@ -111,10 +78,12 @@ int main(int argc, char *argv[])
             }
         });
         const double before = heapMegabytes();
-        ListBuilder builder;
+        StationDirectory directory({}, [] { return QString(); });
+        QObject::connect(&directory, &StationDirectory::stationsReloaded,
+                         [&] { stations.reload(directory.radioData()); });
         const double painted = medianMilliseconds([&] {
             for (int delivery = 0; delivery < deliveries; ++delivery) {
-                stations.reload(builder.parse(answer));
+                directory.takeAnswer(answer, StationDirectory::stationListModel);
             }
             view.grab();
         });

@@ -5,20 +5,16 @@
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QUtf8StringView>
 #include <algorithm>
 
 namespace {
-/// Bytes of a JSON text whose root may be any value, which QJsonDocument by itself does not write.
+/// Bytes of a JSON text whose root may be any value: QJsonDocument writes objects and lists only, so that the
+/// value is written as a list of one, and the brackets are taken off.
 QByteArray jsonBytes(const QJsonValue &value)
 {
-    if (value.isObject()) {
-        return QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact);
-    }
     const QByteArray list = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return value.isArray() ? QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact)
-                           : list.mid(1, list.size() - 2);
+    return list.mid(1, list.size() - 2);
 }
 
 void deliver(const QByteArray &data, const JSonFecther::Completion &completion)

@@ -3,7 +3,6 @@
 #include "directory/address.h"
 #include "directory/displaytext.h"
 #include "directory/exception.h"
-#include "directory/jsonfecther.h"
 
 #include <QLoggingCategory>
 #include <QPointer>
@@ -14,9 +13,6 @@
 
 namespace {
 Q_LOGGING_CATEGORY(lcDirectory, "plumtide.directory")
-
-/// The only kind of answer there is so far: a station list.
-constexpr int stationListModel = 1;
 
 /// How many runs of character data one answer may write to the log; stations are read from attributes, so
 /// that more of them say nothing new.
@@ -57,26 +53,30 @@ void StationDirectory::executeSouthCastAPI(const QString &address, int model)
     Q_EMIT busyChanged(true);
     Q_EMIT statusChanged(QStringLiteral("Downloading data"));
 
-    const auto completion = [self = QPointer(this), model](const FetchOutcome &outcome) {
-        if (!self) {
-            return;
-        }
-        Q_EMIT self->busyChanged(false);
-        if (const auto *data = std::get_if<QByteArray>(&outcome)) {
-            Q_EMIT self->statusChanged(QStringLiteral("Download Complete"));
-            self->clearLists();
-            if (model == stationListModel) {
-                self->parse(*data);
-            }
-        } else {
-            // The status line keeps saying what was tried; the reason is for the log.
-            qCWarning(lcDirectory).noquote()
-                << "no answer from the directory:" << displayText(std::get<HttpError>(outcome).description);
-            self->radioData_ = {};
-            Q_EMIT self->stationsReloaded();
-        }
-    };
-    JSonFecther::create()->asynchRequest(urlFromAddress(address), QString(), std::nullopt, completion);
+    JSonFecther::create()->asynchRequest(urlFromAddress(address), QString(), std::nullopt,
+                                         [self = QPointer(this), model](const FetchOutcome &outcome) {
+                                             if (self) {
+                                                 self->takeAnswer(outcome, model);
+                                             }
+                                         });
+}
+
+void StationDirectory::takeAnswer(const FetchOutcome &outcome, int model)
+{
+    Q_EMIT busyChanged(false);
+    if (const auto *error = std::get_if<HttpError>(&outcome)) {
+        // The status line keeps saying what was tried; the reason is for the log.
+        qCWarning(lcDirectory).noquote()
+            << "no answer from the directory:" << displayText(error->description);
+        showNoStations();
+        return;
+    }
+    Q_EMIT statusChanged(QStringLiteral("Download Complete"));
+    radioData_.clear();
+    radiocallbackData500_.clear();
+    if (model == stationListModel) {
+        parse(std::get<QByteArray>(outcome));
+    }
 }
 
 void StationDirectory::updateReadWriteData()
@@ -91,8 +91,7 @@ void StationDirectory::updateReadWriteData()
         Q_EMIT stationsReloaded();
     } catch (const Exception &) {
         // Whoever shows the list could not take it: better none than half of one.
-        radioData_ = {};
-        Q_EMIT stationsReloaded();
+        showNoStations();
     }
 }
 
@@ -127,15 +126,15 @@ void StationDirectory::parse(const QByteArray &answer)
     if (!parserSC500_->parse(answer)) {
         qCWarning(lcDirectory).noquote()
             << "the directory's answer is not usable:" << parserSC500_->errorText();
-        clearLists();
-        Q_EMIT stationsReloaded();
+        radiocallbackData500_.clear();
+        showNoStations();
     }
 }
 
-void StationDirectory::clearLists()
+void StationDirectory::showNoStations()
 {
-    radioData_.clear();
-    radiocallbackData500_.clear();
+    radioData_ = {};
+    Q_EMIT stationsReloaded();
 }
 
 void StationDirectory::parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
@@ -172,8 +171,7 @@ void StationDirectory::parserDidEndElement(AnswerParser &, QByteArrayView)
 void StationDirectory::parserDidEndDocument(AnswerParser &)
 {
     if (xmlError_) {
-        radioData_ = {};
-        Q_EMIT stationsReloaded();
+        showNoStations();
     } else {
         updateReadWriteData();
     }

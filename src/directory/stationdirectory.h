@@ -1,6 +1,7 @@
 #pragma once
 
 #include "directory/answerparser.h"
+#include "directory/jsonfecther.h"
 #include "directory/stationentry.h"
 
 #include <QObject>
@@ -32,6 +33,8 @@ public:
     /// Whether the station in row `left` of the list as it stands goes before the one in row `right`.
     using RowComparison = std::function<bool(qsizetype left, qsizetype right)>;
 
+    /// The one kind of answer that is parsed.
+    static constexpr int stationListModel = 1;
     static constexpr qsizetype maximumStations = 100'000;
 
     StationDirectory(DirectoryService service, StoredLimit storedLimit, QObject *parent = nullptr);
@@ -44,9 +47,13 @@ public:
     /// A few stations of the directory's own choice.
     void getRandomStation();
 
-    /// Fetches `address`, percent-escaped once. The answer is parsed as a station list for model 1 only; for
-    /// any other it just empties both lists.
+    /// Fetches `address`, percent-escaped once. The answer is parsed as a station list for stationListModel
+    /// only; for any other it just empties both lists.
     void executeSouthCastAPI(const QString &address, int model);
+
+    /// What a fetch hands over, each time it does: data replaces both lists, an error empties the station
+    /// list.
+    void takeAnswer(const FetchOutcome &outcome, int model);
 
     /// Rebuilds the station list from the raw attributes that a parse has left in it.
     void updateReadWriteData();
@@ -73,7 +80,7 @@ private:
     QString address(const QString &path) const;
     QString limitParameter() const;
     void parse(const QByteArray &answer);
-    void clearLists();
+    void showNoStations();
 
     void parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
                                const AttributeMap &attributes) override;

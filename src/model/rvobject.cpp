@@ -9,6 +9,7 @@
 #include <QLocale>
 #include <QUtf8StringView>
 #include <QUuid>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -86,19 +87,21 @@ QString RVObject::showClock(double seconds)
 {
     const QDateTime now = QDateTime::currentDateTime();
     const QDateTime then = now.addMSecs(instant(seconds));
-    const bool forward = now <= then;
-    QDateTime mark = forward ? now : then;
-    const QDateTime end = forward ? then : now;
+    const QDateTime begin = std::min(now, then);
+    const QDateTime end = std::max(now, then);
 
     // Whole months, then whole days by the calendar, so that a day on which the clocks change counts as one.
     // The step is added to the beginning each time: the end of January and a month twice is the end of March.
-    const QDateTime begin = mark;
+    QDateTime mark = begin;
     for (int months = 1; begin.addMonths(months) <= end; ++months) {
         mark = begin.addMonths(months);
     }
-    mark = mark.addDays(mark.daysTo(end) - (mark.addDays(mark.daysTo(end)) > end ? 1 : 0));
-
-    const qint64 minutes = mark.secsTo(end) / 60 * (forward ? 1 : -1);
+    qint64 days = mark.daysTo(end);
+    if (mark.addDays(days) > end) {
+        --days;
+    }
+    const qint64 rest = mark.addDays(days).secsTo(end) / 60;
+    const qint64 minutes = now <= then ? rest : -rest;
     return QStringLiteral("%1 h : %2 m").arg(minutes / 60).arg(minutes % 60);
 }
 

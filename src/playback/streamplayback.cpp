@@ -49,10 +49,10 @@ void StreamPlayback::executeSynchAVPlayer(const QString &address, const QString 
     Q_EMIT titleChanged(name);
     Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
     stopTimeout();
-    startTimeout();
+    const double timeout = startTimeout();
     const QUrl url = urlFromAddress(address);
     isPlaying_ = false;
-    makeItem(url);
+    makeItem({url, timeout});
 }
 
 void StreamPlayback::timerDone()
@@ -111,15 +111,16 @@ void StreamPlayback::detachPlayer()
     stopObservingItem();
 }
 
-void StreamPlayback::startTimeout()
+double StreamPlayback::startTimeout()
 {
     constexpr double longest = std::numeric_limits<int>::max() / 1000.0;
-    timeout_ = std::clamp(RVObject::rtoToTime(storedTimeout_()), 0.0, longest);
+    const double seconds = std::clamp(RVObject::rtoToTime(storedTimeout_()), 0.0, longest);
     globalTimer_.reset(new QTimer(this));
     globalTimer_->setSingleShot(true);
     globalTimer_->setTimerType(Qt::PreciseTimer);
     connect(globalTimer_.get(), &QTimer::timeout, this, &StreamPlayback::timerDone);
-    globalTimer_->start(static_cast<int>(timeout_ * 1000));
+    globalTimer_->start(static_cast<int>(seconds * 1000));
+    return seconds;
 }
 
 void StreamPlayback::stopTimeout()
@@ -130,9 +131,9 @@ void StreamPlayback::stopTimeout()
     }
 }
 
-void StreamPlayback::makeItem(const QUrl &url)
+void StreamPlayback::makeItem(const StreamRequest &request)
 {
-    itemMaker_.start([this, request = StreamRequest{url, timeout_}] {
+    itemMaker_.start([this, request] {
         playeritem_.set(backend_.makeItem(request));
         QMetaObject::invokeMethod(this, &StreamPlayback::makePlayer, Qt::QueuedConnection);
     });

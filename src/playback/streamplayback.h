@@ -66,9 +66,10 @@ Q_SIGNALS:
 
 private:
     void detachPlayer();
-    void startTimeout();
+    /// Gives the time-out in seconds.
+    double startTimeout();
     void stopTimeout();
-    void makeItem(const QUrl &url);
+    void makeItem(const StreamRequest &request);
     void makePlayer();
     void stopObservingItem();
     void observeValueForKeyPath(QStringView keyPath, const Observable *object,
@@ -89,6 +90,5 @@ private:
     /// Ended from within its own signal, and so never deleted on the spot.
     std::unique_ptr<QTimer, DeleteLater> globalTimer_;
     bool isPlaying_ = false;
-    double timeout_ = 0;
     QThreadPool itemMaker_;
 };

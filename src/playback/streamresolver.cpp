@@ -42,7 +42,7 @@ void StreamResolver::refused()
     // A candidate that was handed out unseen is looked at; one that has been seen is done with.
     if (current_.trusted) {
         current_.trusted = false;
-        look(current_);
+        look();
     } else {
         next();
     }
@@ -64,7 +64,7 @@ void StreamResolver::next()
     if (current_.trusted) {
         handOut(current_.url);
     } else {
-        look(current_);
+        look();
     }
 }
 
@@ -79,7 +79,7 @@ void StreamResolver::shareTime()
     share_.start(std::max(shortestShare, left / static_cast<int>(waiting_.size() + 1)));
 }
 
-void StreamResolver::look(const Candidate &candidate)
+void StreamResolver::look()
 {
     endLook();
     exchange_ = new HttpExchange(this);
@@ -87,7 +87,7 @@ void StreamResolver::look(const Candidate &candidate)
     connect(exchange_, &HttpExchange::finished, this, [this] { judge(true); });
     connect(exchange_, &HttpExchange::failed, this,
             [this](const HttpError &error) { lookFailed(error.code); });
-    exchange_->start({.url = candidate.url,
+    exchange_->start({.url = current_.url,
                       .headers = {{"User-Agent", userAgent()}},
                       .deadline = timeout_,
                       .maximumBytes = maximumPlaylistBytes});

@@ -54,7 +54,7 @@ private:
 
     void next();
     void shareTime();
-    void look(const Candidate &candidate);
+    void look();
     void judge(bool complete);
     void lookFailed(int code);
     void handOut(const QUrl &stream);
