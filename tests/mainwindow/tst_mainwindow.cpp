@@ -198,7 +198,7 @@ void TestMainWindow::doubleClickPlays()
     QTest::keyClick(stage.table(), Qt::Key_Up);
     QTest::keyClick(stage.table(), Qt::Key_Return);
     QCOMPARE(stage.title(), u"station 9"_s);
-    QTRY_COMPARE(stage.backend.journal().count(u"player"_s), 2);
+    QTRY_COMPARE(stage.backend.journal.lines().count(u"player"_s), 2);
     QCOMPARE(stage.backend.livePlayers, 1);
 }
 

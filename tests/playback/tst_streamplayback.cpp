@@ -162,19 +162,19 @@ void TestStreamPlayback::observersComeAndGoInOrder()
                                u"-playbackBufferFull"_s, u"-loadedTimeRanges"_s};
     Stage stage;
     stage.play(u"A"_s);
-    QCOMPARE(stage.backend.journal(), added);
+    QCOMPARE(stage.backend.journal.lines(), added);
 
     // A new start releases the player before it stops observing the item; the end of one does it the other
     // way about.
-    stage.backend.clearJournal();
+    stage.backend.journal.clear();
     stage.playback.executeSynchAVPlayer(u"http://h/B"_s, u"B"_s);
-    QCOMPARE(stage.backend.journal().first(6), QStringList({u"-status"_s, u"~player"_s}) + itemLeft);
+    QCOMPARE(stage.backend.journal.lines().first(6), QStringList({u"-status"_s, u"~player"_s}) + itemLeft);
     QCOMPARE(stage.title, u"B"_s);
     QTRY_VERIFY(stage.backend.player != nullptr);
 
-    stage.backend.clearJournal();
+    stage.backend.journal.clear();
     stage.playback.destroyPlayer();
-    QCOMPARE(stage.backend.journal(),
+    QCOMPARE(stage.backend.journal.lines(),
              QStringList{u"-status"_s} + itemLeft + QStringList({u"~player"_s, u"~item"_s}));
 }
 
@@ -202,17 +202,17 @@ void TestStreamPlayback::lastItemIsHeardAlone()
         stage.playback.executeSynchAVPlayer(u"http://h/A"_s, u"A"_s);
         stage.playback.executeSynchAVPlayer(u"http://h/B"_s, u"B"_s);
     }
-    QTRY_COMPARE(stage.backend.journal().count(u"player"_s), 2);
+    QTRY_COMPARE(stage.backend.journal.lines().count(u"player"_s), 2);
     QCOMPARE(stage.backend.livePlayers, 1);
     QCOMPARE(stage.item().request.url, QUrl(u"http://h/B"_s));
-    QCOMPARE(stage.backend.journal().filter(u"item http"_s),
+    QCOMPARE(stage.backend.journal.lines().filter(u"item http"_s),
              (QStringList{u"item http://h/A"_s, u"item http://h/B"_s}));
 
     stage.reportRanges();
     QCOMPARE(stage.status, u"- Streaming -"_s);
     stage.playback.destroyPlayer();
     QCOMPARE(stage.backend.livePlayers, 0);
-    QCOMPARE(stage.backend.journal().count(u"~item"_s), 2);
+    QCOMPARE(stage.backend.journal.lines().count(u"~item"_s), 2);
 }
 
 void TestStreamPlayback::pauseAndResume()

@@ -2,58 +2,53 @@
 
 #include "playback/keypath.h"
 
-FakeItem::FakeItem(FakeBackend &backend, const StreamRequest &streamRequest)
-    : request(streamRequest)
-    , backend_(backend)
+QStringList Journal::lines() const
 {
-    backend_.write(QStringLiteral("item ") + request.url.toString());
+    const std::scoped_lock lock(mutex_);
+    return lines_;
+}
+
+void Journal::write(const QString &line)
+{
+    const std::scoped_lock lock(mutex_);
+    lines_.append(line);
+}
+
+void Journal::clear()
+{
+    const std::scoped_lock lock(mutex_);
+    lines_.clear();
+}
+
+FakeItem::FakeItem(Journal &journal, const StreamRequest &streamRequest)
+    : Observed(journal)
+    , request(streamRequest)
+{
+    journal_.write(QStringLiteral("item ") + request.url.toString());
 }
 
 FakeItem::~FakeItem()
 {
-    backend_.write(QStringLiteral("~item"));
-}
-
-void FakeItem::addObserver(Observer *observer, QStringView keyPath)
-{
-    backend_.write(QLatin1Char('+') + keyPath.toString());
-    BackendItem::addObserver(observer, keyPath);
-}
-
-void FakeItem::removeObserver(Observer *observer, QStringView keyPath)
-{
-    backend_.write(QLatin1Char('-') + keyPath.toString());
-    BackendItem::removeObserver(observer, keyPath);
+    journal_.write(QStringLiteral("~item"));
 }
 
 FakePlayer::FakePlayer(FakeBackend &backend, std::shared_ptr<FakeItem> item)
-    : backend_(backend)
+    : Observed(backend.journal)
+    , backend_(backend)
     , item_(std::move(item))
 {
-    backend_.write(QStringLiteral("player"));
+    journal_.write(QStringLiteral("player"));
     backend_.player = this;
     ++backend_.livePlayers;
 }
 
 FakePlayer::~FakePlayer()
 {
-    backend_.write(QStringLiteral("~player"));
+    journal_.write(QStringLiteral("~player"));
     --backend_.livePlayers;
     if (backend_.player == this) {
         backend_.player = nullptr;
     }
-}
-
-void FakePlayer::addObserver(Observer *observer, QStringView keyPath)
-{
-    backend_.write(QLatin1Char('+') + keyPath.toString());
-    BackendPlayer::addObserver(observer, keyPath);
-}
-
-void FakePlayer::removeObserver(Observer *observer, QStringView keyPath)
-{
-    backend_.write(QLatin1Char('-') + keyPath.toString());
-    BackendPlayer::removeObserver(observer, keyPath);
 }
 
 void FakePlayer::reportStatus(int status)
@@ -65,28 +60,10 @@ void FakePlayer::reportStatus(int status)
 std::shared_ptr<BackendItem> FakeBackend::makeItem(const StreamRequest &request)
 {
     const std::scoped_lock gate(itemGate);
-    return std::make_shared<FakeItem>(*this, request);
+    return std::make_shared<FakeItem>(journal, request);
 }
 
 std::shared_ptr<BackendPlayer> FakeBackend::makePlayer(const std::shared_ptr<BackendItem> &item)
 {
     return std::make_shared<FakePlayer>(*this, std::static_pointer_cast<FakeItem>(item));
-}
-
-QStringList FakeBackend::journal() const
-{
-    const std::scoped_lock lock(mutex_);
-    return journal_;
-}
-
-void FakeBackend::clearJournal()
-{
-    const std::scoped_lock lock(mutex_);
-    journal_.clear();
-}
-
-void FakeBackend::write(const QString &line)
-{
-    const std::scoped_lock lock(mutex_);
-    journal_.append(line);
 }

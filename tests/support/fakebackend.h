@@ -6,27 +6,61 @@
 #include <mutex>
 #include <vector>
 
-class FakeBackend;
-
-/// An item whose reports are made by a test.
-class FakeItem : public BackendItem
+/// Lines in the order in which they are written; from any thread.
+class Journal
 {
 public:
-    FakeItem(FakeBackend &backend, const StreamRequest &request);
+    QStringList lines() const;
+    void write(const QString &line);
+    void clear();
+
+private:
+    mutable std::mutex mutex_;
+    QStringList lines_;
+};
+
+/// A backend's object that writes down who begins and ends to observe what: "+KEYPATH", "-KEYPATH".
+template <class Base>
+class Observed : public Base
+{
+public:
+    explicit Observed(Journal &journal)
+        : journal_(journal)
+    {
+    }
+
+    void addObserver(Observer *observer, QStringView keyPath) override
+    {
+        journal_.write(QLatin1Char('+') + keyPath.toString());
+        Base::addObserver(observer, keyPath);
+    }
+
+    void removeObserver(Observer *observer, QStringView keyPath) override
+    {
+        journal_.write(QLatin1Char('-') + keyPath.toString());
+        Base::removeObserver(observer, keyPath);
+    }
+
+protected:
+    Journal &journal_;
+};
+
+/// An item whose reports are made by a test.
+class FakeItem : public Observed<BackendItem>
+{
+public:
+    FakeItem(Journal &journal, const StreamRequest &request);
     ~FakeItem() override;
 
     void report(QStringView keyPath, const QVariant &value = true) { notify(keyPath, value); }
-    void addObserver(Observer *observer, QStringView keyPath) override;
-    void removeObserver(Observer *observer, QStringView keyPath) override;
 
     const StreamRequest request;
-
-private:
-    FakeBackend &backend_;
 };
 
+class FakeBackend;
+
 /// A player whose status and rate are set by a test.
-class FakePlayer : public BackendPlayer
+class FakePlayer : public Observed<BackendPlayer>
 {
 public:
     FakePlayer(FakeBackend &backend, std::shared_ptr<FakeItem> item);
@@ -37,8 +71,6 @@ public:
     void play() override { rate_ = 1; }
     void pause() override { rate_ = 0; }
     const BackendItem *currentItem() const override { return item_.get(); }
-    void addObserver(Observer *observer, QStringView keyPath) override;
-    void removeObserver(Observer *observer, QStringView keyPath) override;
 
     void setRate(float rate) { rate_ = rate; }
     void reportStatus(int status);
@@ -59,17 +91,10 @@ public:
     std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
 
     /// "item URL", "player", "+KEYPATH", "-KEYPATH", "~player", "~item".
-    QStringList journal() const;
-    void clearJournal();
-    void write(const QString &line);
-
+    Journal journal;
     /// While held, makeItem() waits.
     std::mutex itemGate;
     /// The player made last; null once it has been released.
     FakePlayer *player = nullptr;
     int livePlayers = 0;
-
-private:
-    mutable std::mutex mutex_;
-    QStringList journal_;
 };
