@@ -36,4 +36,4 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libexp
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.
-test_packages=(clang-format clang-tidy clang)
+test_packages=(clang-format clang-tidy)

@@ -185,12 +185,7 @@ QByteArray cutPages(const QByteArray &data)
 {
     QByteArray cut;
     qint64 start = 0;
-    for (qsizetype at = 0; at < data.size();) {
-        OggPage page(data, at);
-        if (!page.isValid()) {
-            break;
-        }
-        at += page.size();
+    for (OggPage &page : OggPage::pagesOf(data)) {
         if (page.granulePosition() == 0) {
             cut += page.bytes();
         } else if (start == 0) {

@@ -6,12 +6,7 @@ namespace localradio {
 
 OggLoop::OggLoop(const QByteArray &file)
 {
-    for (qsizetype at = 0; at < file.size();) {
-        OggPage page(file, at);
-        if (!page.isValid()) {
-            break;
-        }
-        at += page.size();
+    for (OggPage &page : OggPage::pagesOf(file)) {
         if (page.granulePosition() == 0) {
             headers_ += page.bytes();
             ++sequenceNumber_;

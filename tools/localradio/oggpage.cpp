@@ -50,6 +50,17 @@ OggPage::OggPage(const QByteArray &data, qsizetype offset)
     }
 }
 
+std::vector<OggPage> OggPage::pagesOf(const QByteArray &data)
+{
+    std::vector<OggPage> pages;
+    qsizetype at = 0;
+    for (OggPage page(data, at); page.isValid(); page = OggPage(data, at)) {
+        at += page.size();
+        pages.push_back(page);
+    }
+    return pages;
+}
+
 bool OggPage::isContinued() const
 {
     return isValid() && (static_cast<unsigned char>(bytes_[flagsAt]) & 0x01U) != 0;

@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 
+#include <vector>
+
 namespace localradio {
 
 /// One page of an Ogg stream, as a copy that can be given a new place in a stream. A value; any thread.
@@ -11,6 +13,9 @@ public:
     /// Reads the page that begins at `offset` of `data`; the page is not valid if there is none, or only
     /// a part of one.
     OggPage(const QByteArray &data, qsizetype offset);
+
+    /// The pages that stand one behind the other from the beginning of `data`, up to where there is none.
+    static std::vector<OggPage> pagesOf(const QByteArray &data);
 
     bool isValid() const { return !bytes_.isEmpty(); }
 
