@@ -4,10 +4,10 @@
 #include "localradio/httpserver.h"
 #include "localradio/icyweaver.h"
 #include "localradio/jsoncatalogue.h"
-#include "localradio/listener.h"
 #include "localradio/loops.h"
 #include "localradio/oggloop.h"
 #include "localradio/streammounts.h"
+#include "localradio/streamoutlet.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -391,8 +391,8 @@ private Q_SLOTS:
             const auto connections = exchange.server().findChildren<HttpConnection *>();
             return connections.isEmpty() ? 0 : connections.first()->unsentBytes();
         };
-        QTRY_VERIFY_WITH_TIMEOUT(unsent() >= Listener::maxUnsentBytes, 20'000);
-        QCOMPARE(unsent(), Listener::maxUnsentBytes);
+        QTRY_VERIFY_WITH_TIMEOUT(unsent() >= StreamOutlet::maxUnsentBytes, 20'000);
+        QCOMPARE(unsent(), StreamOutlet::maxUnsentBytes);
     }
 
     void titleBlocks()

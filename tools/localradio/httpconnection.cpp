@@ -1,5 +1,7 @@
 #include "localradio/httpconnection.h"
 
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <chrono>
@@ -16,40 +18,14 @@ constexpr int systemBufferSize = 128 * 1024;
 constexpr auto headDeadline = 10s;
 constexpr auto sendDeadline = 30s; // without a byte taken by the client
 constexpr auto closeDeadline = 2s; // for the client to close its side
-
-QByteArray reasonFor(int status)
-{
-    switch (status) {
-    case 200:
-        return "OK";
-    case 400:
-        return "Bad Request";
-    case 401:
-        return "Unauthorized";
-    case 404:
-        return "Not Found";
-    case 405:
-        return "Method Not Allowed";
-    case 431:
-        return "Request Header Fields Too Large";
-    case 503:
-        return "Service Unavailable";
-    default:
-        return "Status";
-    }
-}
-
-Answer plainAnswer(int status)
-{
-    return {status, "text/plain; charset=utf-8", reasonFor(status) + '\n'};
-}
+constexpr auto resetPoll = 5ms;
 
 } // namespace
 
-HttpConnection::HttpConnection(QTcpSocket *socket, qint64 number, QObject *parent)
+HttpConnection::HttpConnection(QTcpSocket *socket, QObject *parent)
     : QObject(parent)
     , socket_(socket)
-    , number_(number)
+    , port_(socket->localPort())
 {
     socket_->setParent(this);
     socket_->setReadBufferSize(maxHeadSize);
@@ -77,7 +53,7 @@ void HttpConnection::readHead()
     const qsizetype lf = head_.indexOf("\n\n");
     const qsizetype end = crlf < 0 || (lf >= 0 && lf < crlf) ? lf : crlf;
     if (end > maxHeadSize || (end < 0 && head_.size() > maxHeadSize)) {
-        answer(plainAnswer(431));
+        answer(Answer::plain(431));
         return;
     }
     if (end < 0) {
@@ -87,7 +63,7 @@ void HttpConnection::readHead()
     head_.clear();
     state_ = State::Waiting;
     if (!request) {
-        answer(plainAnswer(400));
+        answer(Answer::plain(400));
         return;
     }
     request_ = *request;
@@ -97,14 +73,7 @@ void HttpConnection::readHead()
 
 void HttpConnection::answer(const Answer &answer)
 {
-    QByteArray bytes = "HTTP/1.1 " + QByteArray::number(answer.status) + ' ' + reasonFor(answer.status) +
-                       "\r\nServer: localradio\r\nContent-Type: " + answer.contentType +
-                       "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
-                       "\r\nConnection: close\r\n\r\n";
-    if (request_.method != "HEAD") {
-        bytes += answer.body;
-    }
-    socket_->write(bytes);
+    socket_->write(request_.method == "HEAD" ? answer.head() : answer.head() + answer.body);
     Q_EMIT answered(answer.status);
     closeWhenSent();
 }
@@ -118,6 +87,7 @@ void HttpConnection::beginStream(int status, const QByteArray &head)
         return;
     }
     state_ = State::Streaming;
+    streamed_ = true;
     deadline_.start(sendDeadline);
 }
 
@@ -128,22 +98,58 @@ void HttpConnection::send(const QByteArray &bytes)
     }
 }
 
-/// Closing at once would make the system reset the connection when the client has sent more than was read,
-/// and a reset can overtake the answer: so only the sending side is shut, and the client closes.
 void HttpConnection::closeWhenSent()
 {
     state_ = State::Closing;
     deadline_.start(sendDeadline);
+    shutWhenSent();
+}
+
+void HttpConnection::resetWhenSent()
+{
+    state_ = State::Resetting;
+    deadline_.start(sendDeadline);
+    resetWhenReceived();
+}
+
+void HttpConnection::reset()
+{
+    const linger atOnce{1, 0};
+    ::setsockopt(static_cast<int>(socket_->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
+                 sizeof(atOnce));
+    socket_->abort();
+}
+
+/// Closing at once would make the system reset the connection when the client has sent more than was read,
+/// and a reset can overtake the answer: so only the sending side is shut, and the client closes.
+void HttpConnection::shutWhenSent()
+{
+    if (socket_->bytesToWrite() == 0) {
+        ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
+        deadline_.start(closeDeadline);
+    }
+}
+
+/// A reset throws away what the client's system has not acknowledged, and nothing reports that it has.
+void HttpConnection::resetWhenReceived()
+{
+    int unacknowledged = 0;
+    ::ioctl(static_cast<int>(socket_->socketDescriptor()), SIOCOUTQ, &unacknowledged);
+    if (socket_->bytesToWrite() == 0 && unacknowledged == 0) {
+        reset();
+    } else {
+        QTimer::singleShot(resetPoll, this, &HttpConnection::resetWhenReceived);
+    }
 }
 
 void HttpConnection::onBytesWritten(qint64 bytes)
 {
     sent_ += bytes;
     deadline_.start(sendDeadline);
-    if (state_ == State::Closing && socket_->bytesToWrite() == 0) {
-        ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
-        deadline_.start(closeDeadline);
+    if (state_ == State::Closing) {
+        shutWhenSent();
     }
+    Q_EMIT bytesTaken();
 }
 
 void HttpConnection::onDeadline()

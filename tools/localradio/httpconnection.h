@@ -18,10 +18,11 @@ class HttpConnection : public QObject
 public:
     static constexpr qsizetype maxHeadSize = qsizetype{16} * 1024;
 
-    /// Takes `socket` over. `number` tells connections apart in a log.
-    HttpConnection(QTcpSocket *socket, qint64 number, QObject *parent);
+    /// Takes `socket` over, a connected one.
+    HttpConnection(QTcpSocket *socket, QObject *parent);
 
-    qint64 number() const { return number_; }
+    /// The port of this machine that the client has reached.
+    quint16 port() const { return port_; }
 
     /// The request; empty until requestReceived().
     const HttpRequest &request() const { return request_; }
@@ -38,6 +39,18 @@ public:
 
     bool isStreaming() const { return state_ == State::Streaming; }
 
+    /// Whether the answer is or was a stream, whoever ended it.
+    bool hasStreamed() const { return streamed_; }
+
+    /// Ends a stream: the client gets everything sent so far and then the end.
+    void closeWhenSent();
+
+    /// Ends a stream by a reset as soon as the client's system has everything sent so far.
+    void resetWhenSent();
+
+    /// Resets the connection now; what is on its way may be lost.
+    void reset();
+
     /// Bytes handed to send() or answer() that the system has not taken yet.
     qint64 unsentBytes() const { return socket_->bytesToWrite(); }
 
@@ -51,23 +64,28 @@ Q_SIGNALS:
     /// An answer has begun.
     void answered(int status);
 
-    /// The client is gone, isStreaming() still tells from what; the connection deletes itself afterwards.
+    /// The system has taken bytes for the client: unsentBytes() has become less.
+    void bytesTaken();
+
+    /// The client is gone, hasStreamed() still tells from what; the connection deletes itself afterwards.
     void closed();
 
 private:
-    enum class State { ReadingHead, Waiting, Streaming, Closing };
+    enum class State { ReadingHead, Waiting, Streaming, Closing, Resetting };
 
     void readHead();
-    void closeWhenSent();
+    void shutWhenSent();
+    void resetWhenReceived();
     void onBytesWritten(qint64 bytes);
     void onDeadline();
 
     QTcpSocket *socket_; // a child
-    qint64 number_;
+    quint16 port_;       // kept here, since a socket forgets it when it closes
     State state_ = State::ReadingHead;
     QByteArray head_;
     HttpRequest request_;
     qint64 sent_ = 0;
+    bool streamed_ = false;
     QTimer deadline_;
 };
 

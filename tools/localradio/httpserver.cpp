@@ -1,6 +1,10 @@
 #include "localradio/httpserver.h"
 
+#include "localradio/parameters.h"
+#include "localradio/ports.h"
 #include "localradio/requestlog.h"
+
+using namespace std::chrono_literals;
 
 namespace localradio {
 
@@ -8,17 +12,44 @@ HttpServer::HttpServer(RequestLog *log, QObject *parent)
     : QObject(parent)
     , log_(log)
 {
+    outage_.setSingleShot(true);
+    connect(&outage_, &QTimer::timeout, this, &HttpServer::resume);
     connect(&server_, &QTcpServer::newConnection, this, &HttpServer::accept);
 }
 
 bool HttpServer::listen(quint16 port)
 {
-    return server_.listen(QHostAddress::LocalHost, port);
+    const bool listens = server_.listen(QHostAddress::LocalHost, port);
+    port_ = server_.serverPort();
+    return listens;
 }
 
 QString HttpServer::origin() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(server_.serverPort());
+    return originOf(port_);
+}
+
+void HttpServer::interrupt(std::chrono::milliseconds duration, const HttpConnection *spared)
+{
+    if (log_ != nullptr && server_.isListening()) {
+        log_->write("outage-begin", port_, {});
+    }
+    server_.close();
+    outage_.start(duration);
+    for (HttpConnection *connection : findChildren<HttpConnection *>()) {
+        if (connection != spared) {
+            connection->reset();
+        }
+    }
+}
+
+void HttpServer::resume()
+{
+    if (!server_.listen(QHostAddress::LocalHost, port_)) {
+        outage_.start(100ms); // another program has the port: until it lets go
+    } else if (log_ != nullptr) {
+        log_->write("outage-end", port_, {});
+    }
 }
 
 void HttpServer::accept()
@@ -29,7 +60,7 @@ void HttpServer::accept()
             continue;
         }
         ++open_;
-        auto *connection = new HttpConnection(socket, ++accepted_, this);
+        auto *connection = new HttpConnection(socket, this);
         if (log_ != nullptr) {
             log_->follow(*connection); // first, so that requests stand before their answers
         }
@@ -45,7 +76,11 @@ void HttpServer::onRequest(HttpConnection &connection)
     if (method != "GET" && method != "HEAD") {
         connection.answer({405, "text/plain; charset=utf-8", "Only GET and HEAD are understood here\n"});
     } else if (handler_) {
-        handler_(connection);
+        try {
+            handler_(connection);
+        } catch (const BadParameter &error) {
+            connection.answer(Answer::plain(400, error.what()));
+        }
     }
 }
 

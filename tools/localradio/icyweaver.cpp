@@ -4,8 +4,10 @@
 
 namespace localradio {
 
-IcyWeaver::IcyWeaver(TitleAt titleAt)
+IcyWeaver::IcyWeaver(TitleAt titleAt, qsizetype spacing, MakeBlock makeBlock)
     : titleAt_(std::move(titleAt))
+    , spacing_(spacing)
+    , makeBlock_(makeBlock)
 {
 }
 
@@ -13,14 +15,14 @@ QByteArray IcyWeaver::weave(const QByteArray &audio)
 {
     QByteArray woven;
     for (qsizetype at = 0; at < audio.size();) {
-        const auto untilBlock = static_cast<qsizetype>(interval - audioBytes_ % interval);
+        const auto untilBlock = static_cast<qsizetype>(spacing_ - audioBytes_ % spacing_);
         const qsizetype part = std::min(untilBlock, audio.size() - at);
         woven += QByteArrayView(audio).sliced(at, part);
         at += part;
         audioBytes_ += part;
         if (part == untilBlock) {
             const QByteArray title = titleAt_(audioBytes_);
-            woven += title == title_ ? QByteArray(1, '\0') : block(title);
+            woven += title == title_ ? QByteArray(1, '\0') : makeBlock_(title);
             title_ = title;
         }
     }
@@ -29,11 +31,16 @@ QByteArray IcyWeaver::weave(const QByteArray &audio)
 
 QByteArray IcyWeaver::block(QByteArray title)
 {
-    constexpr qsizetype unit = 16;
     const QByteArray prefix = "StreamTitle='";
     const QByteArray suffix = "';";
-    title.truncate(255 * unit - prefix.size() - suffix.size());
-    QByteArray text = prefix + title + suffix;
+    title.truncate(maxTextSize - prefix.size() - suffix.size());
+    return padded(prefix + title + suffix);
+}
+
+QByteArray IcyWeaver::padded(QByteArray text)
+{
+    constexpr qsizetype unit = 16;
+    text.truncate(maxTextSize);
     const qsizetype units = (text.size() + unit - 1) / unit;
     text.resize(units * unit, '\0');
     return static_cast<char>(units) + text;

@@ -1,34 +1,38 @@
 #include "localradio/listener.h"
 
-#include "localradio/httpconnection.h"
+#include "localradio/streamoutlet.h"
 
 #include <algorithm>
 
 namespace localradio {
 
-Listener::Listener(HttpConnection &connection, std::unique_ptr<AudioSource> source, double bytesPerSecond,
-                   double burstSeconds, std::optional<IcyWeaver> weaver)
-    : QObject(&connection)
-    , connection_(connection)
+Listener::Listener(StreamOutlet &outlet, std::unique_ptr<AudioSource> source, std::optional<Pace> pace,
+                   std::optional<IcyWeaver> weaver)
+    : QObject(&outlet)
+    , outlet_(outlet)
     , source_(std::move(source))
-    , bytesPerSecond_(bytesPerSecond)
-    , burstSeconds_(burstSeconds)
+    , pace_(pace)
     , weaver_(std::move(weaver))
 {
     elapsed_.start();
+    if (!pace_) {
+        connect(&outlet_, &StreamOutlet::bytesLeft, this, &Listener::pump);
+    }
 }
 
 void Listener::pump()
 {
-    const double seconds = burstSeconds_ + static_cast<double>(elapsed_.elapsed()) / 1000.0;
-    const auto due = static_cast<qint64>(seconds * bytesPerSecond_) - audioBytes_;
-    const qint64 bytes = std::min(due, maxUnsentBytes - connection_.unsentBytes());
+    qint64 bytes = outlet_.room();
+    if (pace_) {
+        const double seconds = pace_->burstSeconds + static_cast<double>(elapsed_.elapsed()) / 1000.0;
+        bytes = std::min(bytes, static_cast<qint64>(seconds * pace_->bytesPerSecond) - audioBytes_);
+    }
     if (bytes <= 0) {
         return;
     }
     const QByteArray audio = source_->read(bytes);
     audioBytes_ += audio.size();
-    connection_.send(weaver_ ? weaver_->weave(audio) : audio);
+    outlet_.send(weaver_ ? weaver_->weave(audio) : audio);
 }
 
 } // namespace localradio

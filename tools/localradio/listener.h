@@ -10,31 +10,33 @@
 
 namespace localradio {
 
-class HttpConnection;
+class StreamOutlet;
 
-/// One connection that hears a mount: first a burst, then audio at the pace at which it plays. A child of
-/// its connection.
+/// How fast a stream goes out.
+struct Pace
+{
+    double bytesPerSecond = 0;
+    double burstSeconds = 0; ///< so far ahead of its time
+};
+
+/// One client that hears a stream, through an outlet whose child it is.
 class Listener : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Audio waits here while that much waits in the connection.
-    static constexpr qint64 maxUnsentBytes = qint64{256} * 1024;
+    /// Sends `source` into `outlet`, which has begun: at `pace`, as fast as the client reads if there is
+    /// none; with titles if there is a `weaver`.
+    Listener(StreamOutlet &outlet, std::unique_ptr<AudioSource> source, std::optional<Pace> pace,
+             std::optional<IcyWeaver> weaver);
 
-    /// Sends `source`, which plays `bytesPerSecond`, `burstSeconds` ahead of its time; with titles if
-    /// there is a `weaver`.
-    Listener(HttpConnection &connection, std::unique_ptr<AudioSource> source, double bytesPerSecond,
-             double burstSeconds, std::optional<IcyWeaver> weaver);
-
-    /// Sends what is due by now. To be called several times a second.
+    /// Sends what is due by now. To be called once at first, and with a pace several times a second.
     void pump();
 
 private:
-    HttpConnection &connection_;
+    StreamOutlet &outlet_;
     std::unique_ptr<AudioSource> source_;
-    double bytesPerSecond_;
-    double burstSeconds_;
+    std::optional<Pace> pace_;
     std::optional<IcyWeaver> weaver_;
     QElapsedTimer elapsed_;
     qint64 audioBytes_ = 0; // read from the source so far

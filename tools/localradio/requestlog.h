@@ -7,8 +7,9 @@ namespace localradio {
 
 class HttpConnection;
 
-/// A log of requests, answers and the ends of streams, one JSON object a line, each written at once. Times
-/// are milliseconds since 1970; bytes from clients are written as Latin-1, so that each can be told.
+/// A log of requests, answers, the ends of streams and outages, one JSON object a line, each written at
+/// once and with the port of this machine that it is about. Times are milliseconds since 1970; bytes from
+/// clients are written as Latin-1, so that each can be told.
 class RequestLog
 {
 public:
@@ -19,10 +20,12 @@ public:
     /// Logs what happens on `connection`; to be called before it has read anything.
     void follow(HttpConnection &connection);
 
-private:
-    void write(const char *event, const HttpConnection &connection, QJsonObject object);
+    /// Logs `object` as what has happened to `port`, under the name `event`.
+    void write(const char *event, quint16 port, QJsonObject object);
 
+private:
     QFile file_;
+    qint64 followed_ = 0; // tells connections apart
 };
 
 } // namespace localradio

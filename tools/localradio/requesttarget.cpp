@@ -43,4 +43,15 @@ QString RequestTarget::parameter(QLatin1StringView name) const
     return found == parameters_.end() ? QString() : found->second;
 }
 
+QStringList RequestTarget::parameters(QLatin1StringView name) const
+{
+    QStringList values;
+    for (const auto &[key, value] : parameters_) {
+        if (key == name) {
+            values << value;
+        }
+    }
+    return values;
+}
+
 } // namespace localradio

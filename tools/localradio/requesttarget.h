@@ -4,6 +4,7 @@
 #include <QList>
 #include <QPair>
 #include <QString>
+#include <QStringList>
 
 namespace localradio {
 
@@ -20,6 +21,9 @@ public:
 
     /// The decoded value of the first parameter of that name; a null string if there is none.
     QString parameter(QLatin1StringView name) const;
+
+    /// The decoded values of all parameters of that name, in their order.
+    QStringList parameters(QLatin1StringView name) const;
 
 private:
     QString path_;

@@ -1,7 +1,11 @@
 #include "localradio/streammounts.h"
 
+#include "localradio/byteloop.h"
 #include "localradio/httpconnection.h"
 #include "localradio/listener.h"
+#include "localradio/randombytes.h"
+#include "localradio/streamfaults.h"
+#include "localradio/streamoutlet.h"
 
 #include <QFile>
 
@@ -14,15 +18,36 @@ namespace localradio {
 
 namespace {
 
-QByteArray streamHead(const Station &station, bool titles)
+/// Whether the station's own audio is heard.
+bool isAudio(StreamFaults::Body body)
 {
-    QByteArray head = station.mount->oldStatusLine ? "ICY 200 OK\r\n" : "HTTP/1.0 200 OK\r\n";
-    head += "Server: localradio\r\nCache-Control: no-cache\r\nContent-Type: " + station.mediaType.toUtf8();
+    return body == StreamFaults::Body::Station || body == StreamFaults::Body::Endless;
+}
+
+/// What a stream consists of; `loop` is the station's. Null if that holds nothing to play.
+std::unique_ptr<AudioSource> sourceFor(const Station &station, StreamFaults::Body body,
+                                       const QByteArray &loop)
+{
+    if (body == StreamFaults::Body::Random) {
+        return std::make_unique<RandomBytes>();
+    }
+    if (body == StreamFaults::Body::Zeros) {
+        return std::make_unique<ByteLoop>(QByteArray(16 * 1024, '\0'), 0);
+    }
+    return AudioSource::create(loopFormat(station.mount->loop), loop);
+}
+
+QByteArray streamHead(const Station &station, const StreamFaults &faults, bool titles)
+{
+    const bool old = station.mount->oldStatusLine || faults.icy.oldStatusLine;
+    QByteArray head = old ? "ICY 200 OK\r\n" : "HTTP/1.0 200 OK\r\n";
+    head += "Server: localradio\r\nCache-Control: no-cache\r\nContent-Type: ";
+    head += faults.contentType.value_or(isAudio(faults.body) ? station.mediaType.toUtf8() : "audio/mpeg");
     head += "\r\nicy-name: " + station.name.toUtf8();
     head += "\r\nicy-genre: " + station.genres.join(u", ").toUtf8();
     head += "\r\nicy-br: " + QByteArray::number(station.bitrate) + "\r\n";
     if (titles) {
-        head += "icy-metaint: " + QByteArray::number(IcyWeaver::interval) + "\r\n";
+        head += "icy-metaint: " + faults.icy.announcedInterval + "\r\n";
     }
     return head + "\r\n";
 }
@@ -40,11 +65,12 @@ QByteArray trackAt(const Station &station, double seconds)
 } // namespace
 
 StreamMounts::StreamMounts(const Catalogue &catalogue, QString loopsDirectory, double burstSeconds,
-                           QObject *parent)
+                           const Ports &ports, QObject *parent)
     : QObject(parent)
     , catalogue_(catalogue)
     , loopsDirectory_(std::move(loopsDirectory))
     , burstSeconds_(burstSeconds)
+    , ports_(ports)
 {
     onAir_.start();
     pump_.setInterval(125ms);
@@ -52,38 +78,64 @@ StreamMounts::StreamMounts(const Catalogue &catalogue, QString loopsDirectory, d
 
 bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target)
 {
-    const QString prefix = QStringLiteral("/stream/");
-    if (!target.path().startsWith(prefix)) {
+    const Station *station = stationAt(target.path());
+    if (station == nullptr) {
         return false;
     }
-    const Station *station = catalogue_.find(target.path().mid(prefix.size()).section(u';', 0, 0).toInt());
-    if (station == nullptr || !station->mount) {
-        return false;
-    }
-
-    const int index = station->mount->loop;
-    const QByteArray audio = loopAudio(index);
-    auto source = AudioSource::create(loopFormat(index), audio);
-    if (!source) {
-        connection.answer({503, "text/plain; charset=utf-8", "The loop of this station cannot be read\n"});
+    const StreamFaults faults = StreamFaults::read(target);
+    auto *outlet = new StreamOutlet(connection, faults.delivery);
+    if (const auto answer = faults.answerInstead(connection, ports_)) {
+        outlet->answer(*answer);
         return true;
     }
-    const double bytesPerSecond = static_cast<double>(audio.size()) / loopSeconds;
-    std::optional<IcyWeaver> weaver;
-    if (loopFormat(index) != Format::Ogg && connection.request().header("Icy-MetaData") == "1") {
-        // Titles change with the sound: the burst is what was on air just before.
-        const double joined = static_cast<double>(onAir_.elapsed()) / 1000.0 - burstSeconds_;
-        weaver.emplace([station, joined, bytesPerSecond](qint64 audioByte) {
-            return trackAt(*station, joined + static_cast<double>(audioByte) / bytesPerSecond);
-        });
-    }
 
-    connection.beginStream(200, streamHead(*station, weaver.has_value()));
+    const QByteArray loop = loopAudio(station->mount->loop);
+    auto source = sourceFor(*station, faults.body, loop);
+    if (!source) {
+        outlet->answer(Answer::plain(503, "The loop of this station cannot be read"));
+        return true;
+    }
+    const Pace live{static_cast<double>(loop.size()) / loopSeconds, burstSeconds_};
+    const bool titles = isAudio(faults.body) && loopFormat(station->mount->loop) != Format::Ogg &&
+                        connection.request().header("Icy-MetaData") == "1";
+    outlet->begin(200, streamHead(*station, faults, titles));
     if (!connection.isStreaming()) {
         return true;
     }
-    auto *listener =
-        new Listener(connection, std::move(source), bytesPerSecond, burstSeconds_, std::move(weaver));
+    std::optional<IcyWeaver> weaver;
+    if (titles && faults.icy.interval > 0) {
+        weaver = weaverFor(*station, faults.icy, live.bytesPerSecond);
+    }
+    const bool paced = faults.body == StreamFaults::Body::Station;
+    attach(new Listener(*outlet, std::move(source), paced ? std::optional(live) : std::nullopt,
+                        std::move(weaver)));
+    return true;
+}
+
+const Station *StreamMounts::stationAt(const QString &path) const
+{
+    for (const QLatin1StringView prefix : {QLatin1StringView("/stream/"), privatePrefix}) {
+        if (path.startsWith(prefix)) {
+            const Station *station = catalogue_.find(path.mid(prefix.size()).section(u';', 0, 0).toInt());
+            return station != nullptr && station->mount ? station : nullptr;
+        }
+    }
+    return nullptr;
+}
+
+IcyWeaver StreamMounts::weaverFor(const Station &station, const IcyStyle &style, double bytesPerSecond) const
+{
+    // Titles change with the sound: the burst is what was on air just before.
+    const double joined = static_cast<double>(onAir_.elapsed()) / 1000.0 - burstSeconds_;
+    const auto titleAt = [&station, joined, bytesPerSecond, title = style.title](qint64 audioByte) {
+        const double seconds = joined + static_cast<double>(audioByte) / bytesPerSecond;
+        return title(trackAt(station, seconds), audioByte);
+    };
+    return IcyWeaver(titleAt, style.interval, style.block);
+}
+
+void StreamMounts::attach(Listener *listener)
+{
     connect(&pump_, &QTimer::timeout, listener, &Listener::pump);
     connect(listener, &QObject::destroyed, this, [this] {
         if (--listeners_ == 0) {
@@ -94,7 +146,6 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
         pump_.start();
     }
     listener->pump();
-    return true;
 }
 
 QString StreamMounts::defaultLoopsDirectory()
