@@ -467,6 +467,8 @@ private Q_SLOTS:
             QStringLiteral("^localradio: listening on http://127\\.0\\.0\\.1:(\\d+)/\n$"));
         const QString port = ready.match(QString::fromUtf8(program.readLine())).captured(1);
         QVERIFY(!port.isEmpty());
+        QTRY_VERIFY(program.canReadLine());
+        QVERIFY(program.readLine().startsWith("localradio: second port on http://127.0.0.1:"));
 
         QTcpSocket client;
         client.connectToHost(QHostAddress::LocalHost, port.toUShort());

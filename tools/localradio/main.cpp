@@ -1,5 +1,8 @@
+#include "localradio/basiclock.h"
 #include "localradio/builtincatalogue.h"
 #include "localradio/directoryservice.h"
+#include "localradio/faulthelp.h"
+#include "localradio/faultservice.h"
 #include "localradio/httpserver.h"
 #include "localradio/jsoncatalogue.h"
 #include "localradio/requestlog.h"
@@ -9,6 +12,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 
@@ -28,6 +32,10 @@ for Y stations after skipping X.
   /station/randomstations?k=KEY&f=xml             a handful picked at random
   /sbin/tunein-station.pls?id=ID                  also .m3u and .xspf
   /stream/ID                                      live MP3, AAC or Ogg Vorbis
+  /private/ID                                     the same, for one user only
+
+A second port, on the second line of output, serves the same. To learn how the
+streams are made to go wrong, see --help-faults.
 
 The built-in stations are invented, the same ones in every run. Each plays a
 soft tone of its own; --list tells the pitch.
@@ -53,6 +61,9 @@ number of listeners, "ct" the current track, "logo" a picture's address and
 struct Options
 {
     quint16 port = 0;
+    quint16 secondPort = 0;
+    QByteArray user;
+    QByteArray password;
     QString key;
     QString log;
     QString catalogue;
@@ -68,14 +79,20 @@ Options readOptions(const QCoreApplication &application)
     const QCommandLineOption port(QStringLiteral("port"),
                                   QStringLiteral("Port to listen on; 0 picks a free one."),
                                   QStringLiteral("N"), QStringLiteral("0"));
+    const QCommandLineOption secondPort(QStringLiteral("second-port"),
+                                        QStringLiteral("Second port; 0 picks a free one."),
+                                        QStringLiteral("N"), QStringLiteral("0"));
+    const QCommandLineOption user(QStringLiteral("user"), QStringLiteral("User who may hear /private/ID."),
+                                  QStringLiteral("NAME"), QStringLiteral("listener"));
+    const QCommandLineOption password(QStringLiteral("password"), QStringLiteral("The user's password."),
+                                      QStringLiteral("TEXT"), QStringLiteral("open sesame"));
     const QCommandLineOption key(QStringLiteral("key"),
                                  QStringLiteral("Developer key that clients must send."),
                                  QStringLiteral("KEY"), QStringLiteral("Rk4TnW8pLq2ZbX7m"));
-    const QCommandLineOption log(
-        QStringLiteral("log"),
-        QStringLiteral(
-            "Log requests, answers and ends of streams, one JSON object a line; - is standard output."),
-        QStringLiteral("FILE"));
+    const QCommandLineOption log(QStringLiteral("log"),
+                                 QStringLiteral("Log requests, answers, ends of streams and outages, one "
+                                                "JSON object a line; - is standard output."),
+                                 QStringLiteral("FILE"));
     const QCommandLineOption catalogue(
         QStringLiteral("catalogue"),
         QStringLiteral("List the stations of this JSON file, not the built-in ones."),
@@ -89,24 +106,40 @@ Options readOptions(const QCoreApplication &application)
     const QCommandLineOption list(QStringLiteral("list"),
                                   QStringLiteral("Print the catalogue as JSON, pitches in Hz, and end."));
 
+    const QCommandLineOption helpFaults(
+        QStringLiteral("help-faults"),
+        QStringLiteral("Tell what can be made to go wrong, and how, and end."));
+
     QCommandLineParser parser;
     parser.setApplicationDescription(QString::fromUtf8(description));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({port, key, log, catalogue, loops, burst, list});
+    parser.addOptions(
+        {port, secondPort, key, log, catalogue, loops, burst, user, password, list, helpFaults});
     parser.process(application);
+    if (parser.isSet(helpFaults)) {
+        std::fputs(faultHelp, stdout);
+        std::exit(0);
+    }
 
     bool portValid = false;
+    bool secondPortValid = false;
     bool burstValid = false;
     Options options{parser.value(port).toUShort(&portValid),
+                    parser.value(secondPort).toUShort(&secondPortValid),
+                    parser.value(user).toUtf8(),
+                    parser.value(password).toUtf8(),
                     parser.value(key),
                     parser.value(log),
                     parser.value(catalogue),
                     parser.value(loops),
                     parser.value(burst).toDouble(&burstValid),
                     parser.isSet(list)};
-    if (!portValid) {
-        throw std::runtime_error("--port must be a number from 0 to 65535");
+    if (!portValid || !secondPortValid) {
+        throw std::runtime_error("--port and --second-port must be numbers from 0 to 65535");
+    }
+    if (options.user.contains(':')) {
+        throw std::runtime_error("--user must not contain a colon");
     }
     if (!burstValid || !(options.burstSeconds >= 0 && options.burstSeconds <= 600)) {
         throw std::runtime_error("--burst must be a number from 0 to 600");
@@ -134,6 +167,14 @@ std::unique_ptr<Catalogue> openCatalogue(const QString &fileName)
     }
 }
 
+void listen(HttpServer &server, quint16 port)
+{
+    if (!server.listen(port)) {
+        throw std::runtime_error("cannot listen on port " + std::to_string(port) + ": " +
+                                 server.errorString().toStdString());
+    }
+}
+
 int run(const QCoreApplication &application)
 {
     const Options options = readOptions(application);
@@ -147,21 +188,29 @@ int run(const QCoreApplication &application)
     if (!options.log.isEmpty() && !log.open(options.log)) {
         throw std::runtime_error("cannot write the log: " + log.errorString().toStdString());
     }
-    HttpServer server(options.log.isEmpty() ? nullptr : &log);
-    if (!server.listen(options.port)) {
-        throw std::runtime_error("cannot listen on port " + std::to_string(options.port) + ": " +
-                                 server.errorString().toStdString());
-    }
+    RequestLog *const logOrNone = options.log.isEmpty() ? nullptr : &log;
+    HttpServer server(logOrNone);
+    HttpServer secondServer(logOrNone);
+    listen(server, options.port);
+    listen(secondServer, options.secondPort);
     const DirectoryService directory(*catalogue, options.key, server.origin());
-    StreamMounts mounts(*catalogue, options.loops, options.burstSeconds);
-    server.setHandler([&](HttpConnection &connection) {
+    StreamMounts mounts(*catalogue, options.loops, options.burstSeconds,
+                        {server.port(), secondServer.port()});
+    FaultService faults(server);
+    const BasicLock lock(options.user, options.password);
+    const auto handler = [&](HttpConnection &connection) {
         const RequestTarget target(connection.request().target);
-        if (!mounts.serve(connection, target)) {
+        if (target.path().startsWith(StreamMounts::privatePrefix) && !lock.opensFor(connection.request())) {
+            connection.answer(BasicLock::challenge());
+        } else if (!mounts.serve(connection, target) && !faults.serve(connection, target)) {
             connection.answer(directory.answer(target));
         }
-    });
+    };
+    server.setHandler(handler);
+    secondServer.setHandler(handler);
 
     std::printf("localradio: listening on %s/\n", qUtf8Printable(server.origin()));
+    std::printf("localradio: second port on %s/\n", qUtf8Printable(secondServer.origin()));
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

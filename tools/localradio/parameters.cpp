@@ -29,6 +29,20 @@ std::optional<qint64> wholeNumber(const RequestTarget &target, QLatin1StringView
     return number;
 }
 
+std::optional<double> positiveNumber(const RequestTarget &target, QLatin1StringView name, double most)
+{
+    const QString text = target.parameter(name);
+    if (text.isNull()) {
+        return std::nullopt;
+    }
+    bool valid = false;
+    const double number = text.toDouble(&valid);
+    if (!valid || !(number > 0 && number <= most)) {
+        refuse(name, QStringLiteral("a number above 0 and at most %1").arg(most));
+    }
+    return number;
+}
+
 std::optional<QByteArray> headerText(const RequestTarget &target, QLatin1StringView name)
 {
     const QString text = target.parameter(name);

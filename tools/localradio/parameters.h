@@ -23,6 +23,10 @@ public:
 std::optional<qint64> wholeNumber(const RequestTarget &target, QLatin1StringView name, qint64 least,
                                   qint64 most);
 
+/// The number that is the parameter `name`, fractions allowed; nothing if it is absent. Throws BadParameter
+/// unless it is above 0 and at most `most`.
+std::optional<double> positiveNumber(const RequestTarget &target, QLatin1StringView name, double most);
+
 /// The parameter `name` as UTF-8 that fits into a header; nothing if it is absent. Throws BadParameter if it
 /// is empty or has control characters.
 std::optional<QByteArray> headerText(const RequestTarget &target, QLatin1StringView name);

@@ -1,0 +1,42 @@
+#include "localradio/faultservice.h"
+
+#include "localradio/httpserver.h"
+#include "localradio/parameters.h"
+#include "localradio/ports.h"
+
+#include <chrono>
+#include <cmath>
+
+namespace localradio {
+
+FaultService::FaultService(HttpServer &server)
+    : server_(server)
+{
+    refusing_.bind(QHostAddress::LocalHost);
+}
+
+bool FaultService::serve(HttpConnection &connection, const RequestTarget &target)
+{
+    if (target.path() == u"/outage") {
+        beginOutage(connection, target);
+    } else if (target.path() == u"/refused") {
+        const QByteArray address = originOf(refusing_.localPort()).toUtf8() + "/";
+        connection.answer(
+            {200, "audio/x-scpls", "[playlist]\nnumberofentries=1\nFile1=" + address + "\nVersion=2\n"});
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void FaultService::beginOutage(HttpConnection &connection, const RequestTarget &target)
+{
+    const auto seconds = positiveNumber(target, QLatin1StringView("seconds"), 60);
+    if (!seconds) {
+        throw BadParameter("seconds must be given");
+    }
+    connection.answer(Answer::plain(200, "Nobody listens for " + QByteArray::number(*seconds) + " s"));
+    server_.interrupt(std::chrono::milliseconds(std::lround(std::ceil(*seconds * 1000))), &connection);
+}
+
+} // namespace localradio
