@@ -4,7 +4,8 @@
 
 namespace localradio {
 
-/// Plays a format whose frames follow each other without a frame around them: MP3, or AAC in ADTS.
+/// Plays a format whose frames follow each other without a frame around them: MP3, or AAC in ADTS. Repeats
+/// bytes that are no audio likewise.
 class ByteLoop : public AudioSource
 {
 public:

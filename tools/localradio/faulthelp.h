@@ -43,6 +43,25 @@ password of --user and --password.
 ones for N seconds, at most 60. The second port stays.
 
 /refused is a playlist that leads to a port where nobody listens.
+
+/playlist is a playlist made to order. It takes close-after, reset-after,
+stall-after and rate as well, and these:
+
+  entry=ADDRESS       an entry, as it stands; any number of them
+  itself=1            an entry with its own address
+  each-other=1        an entry with the address of a twin that names it back
+  form=pls|m3u        pls if left out
+  eol=lf|crlf|cr      how lines end, lf if left out
+  bom=1               begins with a byte order mark
+  type=TEXT           another Content-Type
+  pad=BYTES           so many bytes of comments before the entries, 16 MiB at
+                      most
+  endless=1           comments without end after the entries
+
+As in any query, an "&" or "+" within a value is written %26 or %2B.
+
+With --faults, one station for each fault that is worth hearing stands at the
+end of the catalogue; a search for "fault" finds them.
 )";
 
 } // namespace localradio

@@ -1,8 +1,12 @@
 #include "localradio/faultservice.h"
 
+#include "localradio/byteloop.h"
 #include "localradio/httpserver.h"
+#include "localradio/listener.h"
+#include "localradio/orderedplaylist.h"
 #include "localradio/parameters.h"
 #include "localradio/ports.h"
+#include "localradio/streamoutlet.h"
 
 #include <chrono>
 #include <cmath>
@@ -19,6 +23,8 @@ bool FaultService::serve(HttpConnection &connection, const RequestTarget &target
 {
     if (target.path() == u"/outage") {
         beginOutage(connection, target);
+    } else if (target.path() == u"/playlist") {
+        sendPlaylist(connection, target);
     } else if (target.path() == u"/refused") {
         const QByteArray address = originOf(refusing_.localPort()).toUtf8() + "/";
         connection.answer(
@@ -37,6 +43,22 @@ void FaultService::beginOutage(HttpConnection &connection, const RequestTarget &
     }
     connection.answer(Answer::plain(200, "Nobody listens for " + QByteArray::number(*seconds) + " s"));
     server_.interrupt(std::chrono::milliseconds(std::lround(std::ceil(*seconds * 1000))), &connection);
+}
+
+void FaultService::sendPlaylist(HttpConnection &connection, const RequestTarget &target)
+{
+    const auto playlist =
+        OrderedPlaylist::make(target, connection.request().target, originOf(connection.port()).toUtf8());
+    auto *outlet = new StreamOutlet(connection, Delivery::read(target));
+    if (playlist.filler.isEmpty()) {
+        outlet->answer({200, playlist.contentType, playlist.text});
+        return;
+    }
+    outlet->begin(200, "HTTP/1.0 200 OK\r\nServer: localradio\r\nContent-Type: " + playlist.contentType +
+                           "\r\n\r\n");
+    outlet->send(playlist.text);
+    auto *listener = new Listener(*outlet, std::make_unique<ByteLoop>(playlist.filler, 0), {}, {});
+    listener->pump();
 }
 
 } // namespace localradio

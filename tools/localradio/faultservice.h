@@ -22,6 +22,7 @@ public:
 
 private:
     void beginOutage(HttpConnection &connection, const RequestTarget &target);
+    static void sendPlaylist(HttpConnection &connection, const RequestTarget &target);
 
     HttpServer &server_;
     QTcpSocket refusing_; // holds a port without listening, so that nobody else does either

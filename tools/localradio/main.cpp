@@ -1,6 +1,7 @@
 #include "localradio/basiclock.h"
 #include "localradio/builtincatalogue.h"
 #include "localradio/directoryservice.h"
+#include "localradio/faultcatalogue.h"
 #include "localradio/faulthelp.h"
 #include "localradio/faultservice.h"
 #include "localradio/httpserver.h"
@@ -70,6 +71,7 @@ struct Options
     QString loops;
     double burstSeconds = 0;
     bool list = false;
+    bool faults = false;
 };
 
 /// Reads the command line; help, version and unknown options end the program here. Throws
@@ -106,6 +108,8 @@ Options readOptions(const QCoreApplication &application)
     const QCommandLineOption list(QStringLiteral("list"),
                                   QStringLiteral("Print the catalogue as JSON, pitches in Hz, and end."));
 
+    const QCommandLineOption faults(QStringLiteral("faults"),
+                                    QStringLiteral("Add stations at which something goes wrong."));
     const QCommandLineOption helpFaults(
         QStringLiteral("help-faults"),
         QStringLiteral("Tell what can be made to go wrong, and how, and end."));
@@ -115,7 +119,7 @@ Options readOptions(const QCoreApplication &application)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions(
-        {port, secondPort, key, log, catalogue, loops, burst, user, password, list, helpFaults});
+        {port, secondPort, key, log, catalogue, loops, burst, user, password, list, faults, helpFaults});
     parser.process(application);
     if (parser.isSet(helpFaults)) {
         std::fputs(faultHelp, stdout);
@@ -134,7 +138,8 @@ Options readOptions(const QCoreApplication &application)
                     parser.value(catalogue),
                     parser.value(loops),
                     parser.value(burst).toDouble(&burstValid),
-                    parser.isSet(list)};
+                    parser.isSet(list),
+                    parser.isSet(faults)};
     if (!portValid || !secondPortValid) {
         throw std::runtime_error("--port and --second-port must be numbers from 0 to 65535");
     }
@@ -178,7 +183,10 @@ void listen(HttpServer &server, quint16 port)
 int run(const QCoreApplication &application)
 {
     const Options options = readOptions(application);
-    const auto catalogue = openCatalogue(options.catalogue);
+    auto catalogue = openCatalogue(options.catalogue);
+    if (options.faults) {
+        catalogue = std::make_unique<FaultCatalogue>(*catalogue);
+    }
     if (options.list) {
         std::fputs(catalogue->toJson().constData(), stdout);
         return 0;
