@@ -5,13 +5,19 @@
 #include "playback/playlist.h"
 
 #include <QCoreApplication>
+#include <QHostAddress>
+#include <QHostInfo>
 #include <QNetworkReply>
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr qint64 maximumPlaylistBytes = 256LL * 1024;
 /// What a candidate gets however many others wait behind it.
 constexpr std::chrono::milliseconds shortestShare = std::chrono::seconds(1);
+/// How often one stream is handed out.
+constexpr int attempts = 2;
+constexpr int noLookup = -1;
 } // namespace
 
 QByteArray StreamResolver::userAgent()
@@ -29,7 +35,10 @@ StreamResolver::StreamResolver(const QUrl &address, std::chrono::milliseconds ti
     connect(&share_, &QTimer::timeout, this, &StreamResolver::next);
 }
 
-StreamResolver::~StreamResolver() = default;
+StreamResolver::~StreamResolver()
+{
+    dropName();
+}
 
 void StreamResolver::start()
 {
@@ -39,19 +48,20 @@ void StreamResolver::start()
 
 void StreamResolver::refused()
 {
-    // A candidate that was handed out unseen is looked at; one that has been seen is done with.
     if (current_.trusted) {
         current_.trusted = false;
         look();
     } else {
-        next();
+        handOut(handedOut_);
     }
 }
 
 void StreamResolver::next()
 {
     endLook();
+    dropName();
     handedOut_.clear();
+    timesHandedOut_ = 0;
     if (waiting_.empty() || tried_ == maximumCandidates) {
         share_.stop();
         Q_EMIT failed();
@@ -62,9 +72,33 @@ void StreamResolver::next()
     waiting_.pop_front();
     shareTime();
     if (current_.trusted) {
-        handOut(current_.url);
+        lookUpName();
     } else {
         look();
+    }
+}
+
+void StreamResolver::lookUpName()
+{
+    const QString name = current_.url.host();
+    if (!QHostAddress(name).isNull()) {
+        handOut(current_.url);
+        return;
+    }
+    lookup_ = QHostInfo::lookupHost(name, this, [this](const QHostInfo &info) {
+        lookup_ = noLookup;
+        if (info.error() == QHostInfo::NoError) {
+            handOut(current_.url);
+        } else {
+            next();
+        }
+    });
+}
+
+void StreamResolver::dropName()
+{
+    if (lookup_ != noLookup) {
+        QHostInfo::abortHostLookup(std::exchange(lookup_, noLookup));
     }
 }
 
@@ -139,7 +173,8 @@ void StreamResolver::handOut(const QUrl &stream)
 {
     // The connection that was looked at is closed before the player opens its own.
     endLook();
-    if (stream == handedOut_) {
+    timesHandedOut_ = stream == handedOut_ ? timesHandedOut_ + 1 : 1;
+    if (timesHandedOut_ > attempts) {
         next();
         return;
     }

@@ -14,7 +14,10 @@ class HttpExchange;
 /// Candidates are tried in order. What a start is given is looked at first; what a playlist names is taken
 /// for a stream and handed out at once, because servers count their listeners and are slow to send the first
 /// bytes. Only when such a stream is refused it is looked at, for it may be a playlist or a redirect after
-/// all. Each candidate has its share of the time that is left, so that a dead one leaves time for the next.
+/// all; and what looks like sound is handed out a second time, because a stream that is joined in the middle
+/// is sometimes taken for something else. The name of a server is looked up before its stream is handed out:
+/// here a name server that does not answer holds a few threads, and none of the player's. Each candidate has
+/// its share of the time that is left, so that a dead one leaves time for the next.
 ///
 /// Lives on the main thread. Ends by being destroyed, or with failed().
 class StreamResolver : public QObject
@@ -54,6 +57,8 @@ private:
 
     void next();
     void shareTime();
+    void lookUpName();
+    void dropName();
     void look();
     void judge(bool complete);
     void lookFailed(int code);
@@ -63,10 +68,13 @@ private:
     std::deque<Candidate> waiting_;
     int tried_ = 0;
     Candidate current_;
-    /// What has been handed out of the current candidate.
+    /// What has been handed out last of the current candidate, and how often.
     QUrl handedOut_;
+    int timesHandedOut_ = 0;
     std::chrono::milliseconds timeout_;
     QElapsedTimer elapsed_;
     QTimer share_;
     HttpExchange *exchange_ = nullptr;
+    /// -1 while no name is being looked up.
+    int lookup_ = -1;
 };

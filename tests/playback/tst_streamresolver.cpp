@@ -99,12 +99,15 @@ void TestStreamResolver::candidates_data()
 {
     QTest::addColumn<QByteArray>("start");
     QTest::addColumn<QStringList>("handedOut");
-    QTest::newRow("a stream") << QByteArray("/sound") << QStringList{u"/sound"_s};
-    QTest::newRow("a stream with a long burst") << QByteArray("/burst") << QStringList{u"/burst"_s};
-    QTest::newRow("a redirect") << QByteArray("/moved") << QStringList{u"/sound"_s};
-    QTest::newRow("an old server") << QByteArray("/icy") << QStringList{u"/icy"_s};
+    QTest::newRow("a stream") << QByteArray("/sound") << QStringList{u"/sound"_s, u"/sound"_s};
+    QTest::newRow("a stream with a long burst")
+        << QByteArray("/burst") << QStringList{u"/burst"_s, u"/burst"_s};
+    QTest::newRow("a redirect") << QByteArray("/moved") << QStringList{u"/sound"_s, u"/sound"_s};
+    QTest::newRow("an old server") << QByteArray("/icy") << QStringList{u"/icy"_s, u"/icy"_s};
     // Handed out unseen, then looked at: the entry that was a redirect is found out.
-    QTest::newRow("a playlist") << QByteArray("/list") << QStringList{u"/gone"_s, u"/moved"_s, u"/sound"_s};
+    QTest::newRow("a playlist") << QByteArray("/list")
+                                << QStringList{u"/gone"_s, u"/moved"_s, u"/sound"_s, u"/sound"_s};
+    QTest::newRow("a name that there is not") << QByteArray("/lost") << QStringList{u"/sound"_s, u"/sound"_s};
     QTest::newRow("itself") << QByteArray("/self") << QStringList{u"/self"_s, u"/self"_s, u"/self"_s};
     QTest::newRow("a web page") << QByteArray("/page") << QStringList{};
     QTest::newRow("an error page") << QByteArray("/gone") << QStringList{};
@@ -127,6 +130,7 @@ void TestStreamResolver::candidates()
     server.scriptBody("/empty", "");
     server.scriptBody("/list", "[playlist]\nFile1=" + server.address(u"/gone"_s).toLatin1() +
                                    "\nFile2=" + server.address(u"/moved"_s).toLatin1());
+    server.scriptBody("/lost", "http://nowhere.invalid/x\n" + server.address(u"/sound"_s).toLatin1());
     server.scriptBody("/self", "http://127.0.0.1:" + QByteArray::number(server.serverPort()) + "/self\n");
     server.script("/endless", "HTTP/1.0 200 OK\r\n\r\n[playlist]\n" + QByteArray(300 * 1024, 'x'),
                   ScriptedServer::After::StayOpen);
