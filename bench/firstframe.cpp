@@ -56,8 +56,8 @@ int runReal(int argc, char **argv)
         std::fprintf(stderr, "%s\n", qPrintable(*refusal));
         return 2;
     }
-    const auto &[endpoints, audioOutput] = std::get<Environment>(environment);
-    MpvBackend backend(audioOutput);
+    const auto &[endpoints, audioOutput, pausedBufferBytes] = std::get<Environment>(environment);
+    MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     applyLook(application);
     MainWindow window(endpoints, backend);

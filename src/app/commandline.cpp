@@ -18,7 +18,8 @@ QString helpText()
         "  PLUMTIDE_DIRECTORY_URL  address of the directory service\n"
         "  PLUMTIDE_TUNEIN_URL     address that station playlists are fetched from\n"
         "  PLUMTIDE_DIRECTORY_KEY  developer key sent to the directory service\n"
-        "  PLUMTIDE_AUDIO_OUTPUT   \"null\" for no sound, \"pcm:FILE\" to write a WAV file\n");
+        "  PLUMTIDE_AUDIO_OUTPUT   \"null\" for no sound, \"pcm:FILE\" to write a WAV file\n"
+        "  PLUMTIDE_PAUSE_BUFFER   KiB that a paused station may load (default 163840)\n");
 }
 } // namespace
 

@@ -7,6 +7,10 @@
 #include <tuple>
 
 namespace {
+/// In KiB.
+constexpr qint64 leastPauseBuffer = 64;
+constexpr qint64 greatestPauseBuffer = 4LL * 1024 * 1024;
+
 /// The address in a variable without its trailing slashes; null where the variable holds something else, or
 /// an address in a form that the directory client cannot use.
 QString httpAddress(const QString &value)
@@ -55,6 +59,18 @@ std::variant<Environment, QString> Environment::from(const QProcessEnvironment &
             return refusal(outputVariable, value, QStringLiteral("\"null\" or \"pcm:FILE\""));
         }
         environment.audioOutput = *output;
+    }
+    const auto pauseVariable = QStringLiteral("PLUMTIDE_PAUSE_BUFFER");
+    if (const QString value = variables.value(pauseVariable); !value.isEmpty()) {
+        bool isNumber = false;
+        const qint64 kibibytes = value.toLongLong(&isNumber);
+        if (!isNumber || kibibytes < leastPauseBuffer || kibibytes > greatestPauseBuffer) {
+            return refusal(pauseVariable, value,
+                           QStringLiteral("a number of KiB from %1 to %2")
+                               .arg(leastPauseBuffer)
+                               .arg(greatestPauseBuffer));
+        }
+        environment.pausedBufferBytes = kibibytes * 1024;
     }
     return environment;
 }

@@ -109,7 +109,8 @@ int main(int argc, char *argv[])
         return unusableEnvironment;
     }
 
-    MpvBackend backend(std::get<Environment>(environment).audioOutput);
+    MpvBackend backend(std::get<Environment>(environment).audioOutput,
+                       std::get<Environment>(environment).pausedBufferBytes);
     const int status = runWindow(argc, argv, std::get<Environment>(environment), backend);
     // Exit handlers would pull the ground from under threads that are still at work.
     backend.waitForDetachedWork(2 * endingTime);

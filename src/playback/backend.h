@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/soundsettings.h"
 #include "playback/observable.h"
 
 #include <QUrl>
@@ -55,6 +56,10 @@ public:
     /// A player of an item that this backend has made. Main thread. Where an item is given to a second
     /// player, the first one loses it.
     virtual std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) = 0;
+
+    /// How everything sounds from now on: what plays, without a click, and what will. Values out of range are
+    /// brought into it. Main thread.
+    virtual void setSound(const SoundSettings &settings) = 0;
 };
 
 Q_DECLARE_METATYPE(BackendItem::TimeRange)

@@ -89,6 +89,7 @@ class FakeBackend : public Backend
 public:
     std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
     std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
+    void setSound(const SoundSettings &settings) override { sound = settings; }
 
     /// "item URL", "player", "+KEYPATH", "-KEYPATH", "~player", "~item".
     Journal journal;
@@ -97,4 +98,5 @@ public:
     /// The player made last; null once it has been released.
     FakePlayer *player = nullptr;
     int livePlayers = 0;
+    SoundSettings sound;
 };

@@ -1,6 +1,7 @@
 #include "playback/mpv/mpvbackend.h"
 
 #include "playback/mpv/detachedwork.h"
+#include "playback/mpv/listenersound.h"
 #include "playback/mpv/mpvhandle.h"
 #include "playback/mpv/mpvitem.h"
 #include "playback/mpv/mpvlibrary.h"
@@ -57,9 +58,18 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
         {"input-default-bindings", "no"},
         {"input-builtin-bindings", "no"},
         {"idle", "yes"},
+        // Until the output is open and its level is set.
+        {"pause", "yes"},
+        // What the tone changes is heard after what the core has queued.
+        {"audio-buffer", "0.05"},
         {"audio-client-name", "Plumtide"},
         {"user-agent", StreamResolver::userAgent()},
         {"cache", "yes"},
+        // A server that sends no burst gets time to bring a little reserve together.
+        {"cache-pause-initial", "yes"},
+        {"cache-pause-wait", "1.5"},
+        // The end of a stream is when it has been heard, not when it has been queued.
+        {"gapless-audio", "no"},
         // Sound formats only: none that reads further files or addresses.
         {"demuxer", "lavf"},
         {"demuxer-lavf-o", "format_whitelist=\"aac,ac3,asf,flac,loas,matroska,mov,mp3,mpegts,ogg,wav,webm\""},
@@ -74,7 +84,12 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
         {"stream-lavf-o", "reconnect_streamed=1,reconnect_delay_max=8,max_redirects=0"},
     };
     if (output.isAutomatic()) {
-        options.insert(options.end(), {{"ao", "pipewire,pulse,alsa"}, {"audio-fallback-to-null", "yes"}});
+        // The sound server's queue of half a second costs a third of the processor time of the usual one. It
+        // rests, and changes its level, without a delay.
+        options.insert(options.end(), {{"ao", "pulse,pipewire,alsa"},
+                                       {"pulse-buffer", "500"},
+                                       {"pipewire-buffer", "500"},
+                                       {"audio-fallback-to-null", "yes"}});
     } else if (output.isFile()) {
         // The file takes sound faster than it comes; waiting for more would look like a lost connection.
         options.insert(options.end(), {{"ao", "pcm"},
@@ -88,8 +103,10 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
 }
 } // namespace
 
-MpvBackend::MpvBackend(AudioOutput output)
+MpvBackend::MpvBackend(AudioOutput output, qint64 pausedBufferBytes)
     : output_(std::move(output))
+    , sound_(std::make_shared<ListenerSound>())
+    , conditions_{sound_, pausedBufferBytes, !output_.isFile(), output_.isAutomatic()}
     , library_(std::make_shared<Preload>())
     , detached_(std::make_shared<DetachedWork>())
 {
@@ -111,7 +128,7 @@ std::shared_ptr<BackendItem> MpvBackend::makeItem(const StreamRequest &request)
         }
         handle = MpvHandle::create(*library, detached_, optionsFor(output_, request));
     }
-    auto *item = new MpvItem(request, std::move(handle));
+    auto *item = new MpvItem(request, conditions_, std::move(handle));
     item->moveToThread(QCoreApplication::instance()->thread());
     return {item, [](MpvItem *released) { released->deleteLater(); }};
 }
@@ -119,6 +136,11 @@ std::shared_ptr<BackendItem> MpvBackend::makeItem(const StreamRequest &request)
 std::shared_ptr<BackendPlayer> MpvBackend::makePlayer(const std::shared_ptr<BackendItem> &item)
 {
     return std::make_shared<MpvPlayer>(std::static_pointer_cast<MpvItem>(item));
+}
+
+void MpvBackend::setSound(const SoundSettings &settings)
+{
+    sound_->setSettings(settings);
 }
 
 bool MpvBackend::waitForDetachedWork(std::chrono::milliseconds time)

@@ -2,6 +2,7 @@
 
 #include "playback/backend.h"
 #include "playback/mpv/audiooutput.h"
+#include "playback/mpv/mpvconditions.h"
 
 #include <chrono>
 #include <memory>
@@ -13,7 +14,8 @@ class DetachedWork;
 class MpvBackend : public Backend
 {
 public:
-    explicit MpvBackend(AudioOutput output);
+    /// A pause may load `pausedBufferBytes` until the buffer counts as full.
+    explicit MpvBackend(AudioOutput output, qint64 pausedBufferBytes = MpvConditions::usualPausedBufferBytes);
     ~MpvBackend() override;
 
     /// Opens libmpv on a thread of its own; an item that is asked for earlier waits for it. Any thread.
@@ -21,6 +23,7 @@ public:
 
     std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
     std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
+    void setSound(const SoundSettings &settings) override;
 
     /// Whether what goes on beside the main thread is done within `time`: cores that are torn down, the
     /// library that is opened. Where not, the process must end without running its exit handlers, because
@@ -31,6 +34,8 @@ private:
     class Preload;
 
     AudioOutput output_;
+    std::shared_ptr<ListenerSound> sound_;
+    MpvConditions conditions_;
     std::shared_ptr<Preload> library_;
     std::shared_ptr<DetachedWork> detached_;
 };

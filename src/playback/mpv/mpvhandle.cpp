@@ -38,8 +38,9 @@ MpvHandle::MpvHandle(const MpvLibrary &library, std::shared_ptr<DetachedWork> de
 MpvHandle::~MpvHandle()
 {
     library_.setWakeupCallback(handle_, nullptr, nullptr);
-    // Silence comes first: the rest may take a while.
-    setFlag("mute", true);
+    // Silence comes first: the rest may take a while. What the sound server has queued is silent only when
+    // the output rests.
+    setFlag("pause", true);
     DetachedWork::run(detached_, [terminateDestroy = library_.terminateDestroy, handle = handle_] {
         terminateDestroy(handle);
     });
@@ -79,8 +80,13 @@ void MpvHandle::setFlag(const char *property, bool value)
     library_.setPropertyAsync(handle_, 0, property, MPV_FORMAT_FLAG, &flag);
 }
 
-void MpvHandle::setNumber(const char *property, qint64 value)
+void MpvHandle::setInteger(const char *property, qint64 value)
 {
     int64_t number = value;
     library_.setPropertyAsync(handle_, 0, property, MPV_FORMAT_INT64, &number);
+}
+
+void MpvHandle::setNumber(const char *property, double value)
+{
+    library_.setPropertyAsync(handle_, 0, property, MPV_FORMAT_DOUBLE, &value);
 }

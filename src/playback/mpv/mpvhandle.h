@@ -35,9 +35,10 @@ public:
     /// Asks for an MPV_EVENT_PROPERTY_CHANGE now and at each change.
     void observe(const char *property, mpv_format format);
     /// Starts a command; its MPV_EVENT_COMMAND_REPLY carries `reply`.
-    void command(const std::vector<QByteArray> &words, quint64 reply);
+    void command(const std::vector<QByteArray> &words, quint64 reply = 0);
     void setFlag(const char *property, bool value);
-    void setNumber(const char *property, qint64 value);
+    void setInteger(const char *property, qint64 value);
+    void setNumber(const char *property, double value);
 
 private:
     MpvHandle(const MpvLibrary &library, std::shared_ptr<DetachedWork> detached, mpv_handle *handle);

@@ -2,19 +2,35 @@
 
 #include "directory/address.h"
 #include "playback/keypath.h"
+#include "playback/mpv/listenersound.h"
 #include "playback/mpv/mpvplayer.h"
 #include "playback/streamresolver.h"
 
 #include <QLatin1StringView>
+#include <QLoggingCategory>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace {
+Q_LOGGING_CATEGORY(lcItem, "plumtide.playback")
+
 /// By how many seconds the loaded ranges grow from one report to the next.
 constexpr double reportedGrowth = 1.0;
 /// The buffer counts as full a little before its limit: libmpv stops at the packet that would cross it.
 constexpr double fullShare = 0.98;
+/// What an output has queued at most.
+constexpr std::chrono::milliseconds queuedSound{550};
+/// The share of the time that has to come in as sound for a dry buffer to go on.
+constexpr double sustainingShare = 0.5;
+/// libmpv's own demand on the likeness to a format, out of 100.
+constexpr int surerProbeScore = 26;
+/// How long a pause may wait for loading to go on.
+constexpr std::chrono::milliseconds longestPauseDelay{500};
+/// How often a sound server is looked for where there was none.
+constexpr std::chrono::milliseconds outputRetryTime{3000};
 
 const mpv_node *member(const mpv_node &map, const char *key)
 {
@@ -47,10 +63,19 @@ qint64 numberAt(const mpv_node &map, const char *key)
 }
 } // namespace
 
-MpvItem::MpvItem(const StreamRequest &request, std::unique_ptr<MpvHandle> handle)
+MpvItem::MpvItem(const StreamRequest &request, const MpvConditions &conditions,
+                 std::unique_ptr<MpvHandle> handle)
     : request_(request)
+    , conditions_(conditions)
     , handle_(std::move(handle))
+    , outputRetry_(this)
+    , dry_(this)
 {
+    dry_.setSingleShot(true);
+    dry_.setInterval(queuedSound);
+    connect(&dry_, &QTimer::timeout, this, &MpvItem::judgeDryBuffer);
+    outputRetry_.setInterval(outputRetryTime);
+    connect(&outputRetry_, &QTimer::timeout, this, [this] { handle_->command({"ao-reload"}); });
 }
 
 MpvItem::~MpvItem() = default;
@@ -78,12 +103,19 @@ void MpvItem::setRunning(bool running)
     if (!handle_) {
         return;
     }
-    handle_->setFlag("pause", !running);
-    handle_->setNumber("demuxer-max-bytes", running ? playingBufferBytes : pausedBufferBytes);
+    handle_->setInteger("demuxer-max-bytes", running ? playingBufferBytes : conditions_.pausedBufferBytes);
+    // Loading that rests goes on, up to the new limit, only once something has been taken out of the buffer:
+    // a pause waits for that.
+    pauseWaits_ = !running && loadingRests_;
+    if (pauseWaits_) {
+        QTimer::singleShot(longestPauseDelay, this, &MpvItem::applyRate);
+    } else {
+        applyRate();
+    }
     if (running) {
         offerRanges();
     }
-    if (running && (starved_ || ended_)) {
+    if (running && ended_) {
         // What ran out during the pause is reported when its sound is missed.
         QMetaObject::invokeMethod(this, &MpvItem::reportEmpty, Qt::QueuedConnection);
     }
@@ -97,9 +129,10 @@ void MpvItem::begin()
         return;
     }
     handle_->setWakeup([this] { scheduleDrain(); });
+    handle_->observe("current-ao", MPV_FORMAT_STRING);
     handle_->observe("core-idle", MPV_FORMAT_FLAG);
-    handle_->observe("paused-for-cache", MPV_FORMAT_FLAG);
     handle_->observe("demuxer-cache-state", MPV_FORMAT_NODE);
+    soundControl_ = std::make_unique<SoundControl>(*handle_, *conditions_.sound);
 
     const auto timeout = std::chrono::milliseconds(static_cast<qint64>(request_.timeout * 1000));
     resolver_ = std::make_unique<StreamResolver>(request_.url, timeout);
@@ -111,7 +144,12 @@ void MpvItem::begin()
 void MpvItem::load(const QUrl &stream)
 {
     entry_.reset();
-    handle_->command({"loadfile", stream.toEncoded(), "replace"}, ++loads_);
+    std::vector<QByteArray> command{"loadfile", stream.toEncoded(), "replace"};
+    if (stream == std::exchange(stream_, stream)) {
+        // It was taken for a format that it hardly resembled.
+        command.push_back("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
+    }
+    handle_->command(command, ++loads_);
 }
 
 void MpvItem::fail()
@@ -123,6 +161,9 @@ void MpvItem::fail()
 
 void MpvItem::shutDown()
 {
+    outputRetry_.stop();
+    dry_.stop();
+    soundControl_.reset();
     handle_.reset();
     resolver_.reset();
 }
@@ -182,14 +223,35 @@ void MpvItem::propertyChanged(const mpv_event_property &property)
         const bool value = *static_cast<const int *>(property.data) != 0;
         if (name == QLatin1StringView("core-idle") && !value && !sounded_) {
             soundStarted();
-        } else if (name == QLatin1StringView("paused-for-cache")) {
-            starved_ = value && sounded_;
-            if (starved_ && running_) {
-                reportEmpty();
-            }
         }
     } else if (property.format == MPV_FORMAT_NODE) {
         cacheChanged(*static_cast<const mpv_node *>(property.data));
+    } else if (property.format == MPV_FORMAT_STRING) {
+        outputChanged(*static_cast<const char *const *>(property.data));
+    }
+}
+
+void MpvItem::outputChanged(const QByteArray &name)
+{
+    soundControl_->outputOpened(name);
+    outputOpen_ = true;
+    applyRate();
+    if (conditions_.nullIsMakeshift && name == "null") {
+        if (!outputRetry_.isActive()) {
+            qCWarning(lcItem) << "no sound server answers; playing unheard until one does";
+            outputRetry_.start();
+        }
+    } else {
+        outputRetry_.stop();
+    }
+}
+
+/// The core rests until its output is open and has the right level.
+void MpvItem::applyRate()
+{
+    pauseWaits_ = false;
+    if (handle_ && outputOpen_) {
+        handle_->setFlag("pause", !running_);
     }
 }
 
@@ -197,6 +259,8 @@ void MpvItem::soundStarted()
 {
     sounded_ = true;
     resolver_.reset();
+    // From here on nothing but a really empty output is silence.
+    handle_->setFlag("cache-pause", false);
     notify(KeyPath::playbackLikelyToKeepUp, true);
     offerRanges();
 }
@@ -219,9 +283,30 @@ void MpvItem::cacheChanged(const mpv_node &state)
         ranges_.append(
             QVariant::fromValue(BackendItem::TimeRange{secondsAt(state, "reader-pts"), rangesEnd_}));
     }
+    loadingRests_ = flagAt(state, "idle") && !flagAt(state, "eof");
+    if (pauseWaits_ && !loadingRests_) {
+        applyRate();
+    }
     offerRanges();
-    if (handle_ && !running_ && flagAt(state, "idle") && !flagAt(state, "eof")) {
+    if (!handle_) {
+        return;
+    }
+    if (!running_ && !pauseWaits_ && loadingRests_) {
         reportFull(numberAt(state, "fw-bytes"));
+    }
+    if (running_ && sounded_ && conditions_.inTime && flagAt(state, "underrun") && !dry_.isActive()) {
+        dryEnd_ = rangesEnd_;
+        dry_.start();
+    }
+}
+
+/// A dry buffer is no lost connection yet: a server that sends each sound just in time never fills one, and
+/// the output has half a second in its queue. It is one when that has been played and too little has come.
+void MpvItem::judgeDryBuffer()
+{
+    if (running_ &&
+        rangesEnd_ - dryEnd_ < sustainingShare * std::chrono::duration<double>(queuedSound).count()) {
+        reportEmpty();
     }
 }
 
@@ -256,7 +341,8 @@ void MpvItem::offerRanges()
 
 void MpvItem::reportFull(qint64 bytes)
 {
-    if (!fullReported_ && static_cast<double>(bytes) >= fullShare * static_cast<double>(pausedBufferBytes)) {
+    if (!fullReported_ &&
+        static_cast<double>(bytes) >= fullShare * static_cast<double>(conditions_.pausedBufferBytes)) {
         fullReported_ = true;
         notify(KeyPath::playbackBufferFull, true);
     }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "playback/backend.h"
+#include "playback/mpv/mpvconditions.h"
 #include "playback/mpv/mpvhandle.h"
+#include "playback/mpv/soundcontrol.h"
 #include "playback/streamresolver.h"
 
 #include <QObject>
+#include <QTimer>
 #include <atomic>
 #include <optional>
 
@@ -20,11 +23,9 @@ class MpvItem : public QObject, public BackendItem, public std::enable_shared_fr
 public:
     /// Enough for minutes of sound ahead, so that a server that sends faster than it should costs no more.
     static constexpr qint64 playingBufferBytes = 8LL * 1024 * 1024;
-    /// Enough for an hour of pause at 128 kbit/s, what libmpv keeps beside each packet counted.
-    static constexpr qint64 pausedBufferBytes = 160LL * 1024 * 1024;
 
     /// Without a handle the item fails when it is played.
-    MpvItem(const StreamRequest &request, std::unique_ptr<MpvHandle> handle);
+    MpvItem(const StreamRequest &request, const MpvConditions &conditions, std::unique_ptr<MpvHandle> handle);
     ~MpvItem() override;
 
     /// Makes `player` the one that is told the status; an earlier player loses the item.
@@ -44,15 +45,23 @@ private:
     void drain();
     void handle(const mpv_event &event);
     void propertyChanged(const mpv_event_property &property);
+    void outputChanged(const QByteArray &name);
+    void applyRate();
     void soundStarted();
     void cacheChanged(const mpv_node &state);
+    void judgeDryBuffer();
     void streamEnded(const mpv_event_end_file &end);
     void offerRanges();
     void reportFull(qint64 bytes);
     void reportEmpty();
 
     StreamRequest request_;
+    MpvConditions conditions_;
     std::unique_ptr<MpvHandle> handle_;
+    std::unique_ptr<SoundControl> soundControl_;
+    bool outputOpen_ = false;
+    /// Runs while there is no sound server to play through.
+    QTimer outputRetry_;
     /// Present until the stream has given sound.
     std::unique_ptr<StreamResolver> resolver_;
     MpvPlayer *player_ = nullptr;
@@ -60,14 +69,17 @@ private:
     /// How often a stream has been loaded, and libmpv's number for the latest one; none before it has given
     /// that.
     quint64 loads_ = 0;
+    QUrl stream_;
     std::optional<qint64> entry_;
     bool begun_ = false;
     bool running_ = false;
+    /// A pause that begins as soon as loading has gone on; see setRunning().
+    bool pauseWaits_ = false;
+    /// Nothing is being loaded, because the buffer holds what it may.
+    bool loadingRests_ = false;
     bool started_ = false;
     bool sounded_ = false;
-    /// Everything that was loaded has been played, and more is being waited for.
-    bool starved_ = false;
-    /// The same, and nothing more will come.
+    /// Everything has been played, and nothing more will come.
     bool ended_ = false;
     bool emptyReported_ = false;
     bool fullReported_ = false;
@@ -75,4 +87,8 @@ private:
     double rangesEnd_ = 0;
     /// The end of the ranges that were reported last; nothing before the first report.
     std::optional<double> reportedEnd_;
+    /// Runs from when the buffer is dry until the output has played what it has queued; and where the buffer
+    /// ended then.
+    QTimer dry_;
+    double dryEnd_ = 0;
 };

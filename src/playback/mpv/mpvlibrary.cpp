@@ -12,6 +12,9 @@ constexpr int interfaceVersion = static_cast<int>(MPV_CLIENT_API_VERSION >> 16U)
 /// AV_LOG_QUIET.
 constexpr int ffmpegQuiet = -8;
 
+/// A snd_lib_error_handler_t.
+void ignoreAlsaError(const char *, int, const char *, int, const char *, ...) {}
+
 template <class Function>
 bool find(QLibrary &library, const char *name, Function &function)
 {
@@ -40,6 +43,12 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
     // included.
     if (const auto setLevel = reinterpret_cast<void (*)(int)>(library.resolve("av_log_set_level"))) {
         setLevel(ffmpegQuiet);
+    }
+    // And so would ALSA, at every look for a sound card where there is none.
+    using AlsaErrorHandler = void (*)(const char *, int, const char *, int, const char *, ...);
+    if (const auto setHandler =
+            reinterpret_cast<int (*)(AlsaErrorHandler)>(library.resolve("snd_lib_error_set_handler"))) {
+        setHandler(ignoreAlsaError);
     }
     return functions;
 }
