@@ -1,5 +1,7 @@
 #include "mainwindow/mainwindow.h"
 
+#include "mainwindow/soundbinding.h"
+#include "ui/audiopopover.h"
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
 
@@ -27,15 +29,18 @@ void scaleFont(QWidget *widget, qreal factor)
 
 MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
     : ui_(std::make_unique<Ui::MainWindow>())
+    , audioPopOver_(new AudioPopover(this))
 {
     ui_->setupUi(this);
     const PlayerOutlets outlets{.myTableView = ui_->myTableView,
                                 .progress = ui_->progress,
                                 .searchField = ui_->searchField,
                                 .playerStatusString = ui_->playerStatusString,
-                                .subtitleStatusString = ui_->subtitleStatusString};
+                                .subtitleStatusString = ui_->subtitleStatusString,
+                                .audioPopOver = audioPopOver_};
     player_ = std::make_unique<Player>(outlets, endpoints, backend);
     bindTransport();
+    bindSound(backend);
     bindMenus();
     bindSearch();
     connect(&player_->stationDirectory(), &StationDirectory::busyChanged, this, &MainWindow::showPlaceholder);
@@ -71,6 +76,23 @@ void MainWindow::bindTransport()
     }
     connect(&player_->streamPlayback(), &StreamPlayback::runningChanged, this, &MainWindow::showRunning);
     showRunning(false);
+}
+
+void MainWindow::bindSound(Backend &backend)
+{
+    auto *sound = new SoundBinding(*audioPopOver_, backend, state_, this);
+    sound->bindCommands(ui_->louderAction, ui_->softerAction, ui_->muteAction);
+    sound->bindWheel(ui_->audioButton);
+    ui_->audioButton->installEventFilter(this);
+    const auto toggle = [this] { player_->audioButtonAction(ui_->audioButton); };
+    connect(ui_->audioButton, &QToolButton::clicked, this, toggle);
+    connect(ui_->soundAction, &QAction::triggered, this, toggle);
+    const auto showMuted = [this](const SoundSettings &settings) {
+        ui_->audioButton->setIcon(
+            svgIcon(settings.muted ? QStringLiteral("volume-muted") : QStringLiteral("volume"), boxInk));
+    };
+    connect(audioPopOver_, &AudioPopover::settingsChanged, this, showMuted);
+    showMuted(audioPopOver_->settings());
 }
 
 void MainWindow::bindSearch()

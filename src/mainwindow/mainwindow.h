@@ -1,9 +1,13 @@
 #pragma once
 
 #include "mainwindow/player.h"
+#include "settings/statefile.h"
 
 #include <QMainWindow>
 #include <memory>
+
+class AudioPopover;
+class SoundBinding;
 
 namespace Ui {
 class MainWindow;
@@ -33,12 +37,15 @@ protected:
 private:
     void layOut();
     void bindTransport();
+    void bindSound(Backend &backend);
     void bindSearch();
     void bindMenus();
     void showRunning(bool running);
     void showPlaceholder(bool busy);
 
     std::unique_ptr<Ui::MainWindow> ui_;
+    StateFile state_;
+    AudioPopover *audioPopOver_;
     std::unique_ptr<Player> player_;
     bool painted_ = false;
 };

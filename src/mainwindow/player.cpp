@@ -4,6 +4,7 @@
 #include "directory/exception.h"
 #include "model/rvobject.h"
 #include "playback/tuneinaddress.h"
+#include "ui/popover.h"
 #include "ui/rvtableview.h"
 #include "ui/spinner.h"
 
@@ -61,6 +62,7 @@ void Player::connectPlayback()
 {
     connect(&playback_, &StreamPlayback::titleChanged, this, &Player::setTitle);
     connect(&playback_, &StreamPlayback::statusChanged, this, &Player::setStatus);
+    connect(&playback_, &StreamPlayback::tornDown, outlets_.audioPopOver, &Popover::close);
 }
 
 void Player::searchForRadio()
@@ -119,6 +121,17 @@ void Player::audioRackButtonAction(QAbstractButton *sender)
 void Player::spaceKeyAction()
 {
     playback_.togglePause();
+}
+
+void Player::audioButtonAction(QWidget *sender)
+{
+    Popover *popover = outlets_.audioPopOver;
+    if (popover->isShown()) {
+        popover->close();
+    } else {
+        QWidget *view = sender != nullptr ? sender : popover->parentWidget();
+        popover->showRelativeTo(sender != nullptr ? sender->rect() : QRect(), view);
+    }
 }
 
 void Player::setTitle(const QString &text)

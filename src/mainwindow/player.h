@@ -10,6 +10,7 @@
 class QAbstractButton;
 class QLabel;
 class QLineEdit;
+class Popover;
 class RVTableView;
 class Spinner;
 
@@ -21,6 +22,7 @@ struct PlayerOutlets
     QLineEdit *searchField;
     QLabel *playerStatusString;
     QLabel *subtitleStatusString;
+    Popover *audioPopOver;
 };
 
 /// Where the directory is found.
@@ -55,6 +57,8 @@ public:
     void audioRackButtonAction(QAbstractButton *sender);
     /// The space bar's command: plays or pauses, and leaves every button's text alone.
     void spaceKeyAction();
+    /// Opens the audio popover beside `sender`, which may be null, or closes it.
+    void audioButtonAction(QWidget *sender);
     /// Installs nothing: the space bar reaches spaceKeyAction() as a menu command's shortcut.
     void monitorSpaceKeyboard() {}
     /// Nothing is recorded, and no control asks for it.

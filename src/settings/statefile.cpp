@@ -1,0 +1,82 @@
+#include "settings/statefile.h"
+
+#include <QDir>
+#include <QLoggingCategory>
+#include <QSettings>
+#include <QThreadPool>
+#include <chrono>
+#include <mutex>
+
+namespace {
+Q_LOGGING_CATEGORY(lcState, "plumtide.state")
+
+/// Long enough for a slider that is being dragged to come to rest.
+constexpr std::chrono::milliseconds writeDelay{500};
+
+void writeTo(const QString &path, const QVariantMap &values)
+{
+    // Two writes in a row reach the file in a row.
+    static std::mutex turn;
+    const std::scoped_lock lock(turn);
+    QSettings file(path, QSettings::IniFormat);
+    for (auto value = values.constBegin(); value != values.constEnd(); ++value) {
+        file.setValue(value.key(), value.value());
+    }
+    file.sync();
+    if (file.status() != QSettings::NoError) {
+        qCWarning(lcState).noquote() << "cannot write" << path;
+    }
+}
+} // namespace
+
+StateFile::StateFile(QObject *parent)
+    : QObject(parent)
+{
+    const QSettings file(path(), QSettings::IniFormat);
+    for (const QString &key : file.allKeys()) {
+        values_.insert(key, file.value(key));
+    }
+    writeDelay_.setSingleShot(true);
+    writeDelay_.setInterval(writeDelay);
+    connect(&writeDelay_, &QTimer::timeout, this, &StateFile::write);
+}
+
+StateFile::~StateFile()
+{
+    if (!changed_.isEmpty()) {
+        writeTo(path(), changed_);
+    }
+}
+
+int StateFile::integer(QAnyStringView key, int fallback) const
+{
+    bool isInteger = false;
+    const int value = values_.value(key.toString()).toInt(&isInteger);
+    return isInteger ? value : fallback;
+}
+
+void StateFile::setValue(QAnyStringView key, const QVariant &value)
+{
+    const QString name = key.toString();
+    if (values_.value(name) != value) {
+        values_.insert(name, value);
+        changed_.insert(name, value);
+        writeDelay_.start();
+    }
+}
+
+QString StateFile::path()
+{
+    // The base directory specification: a relative path is to be ignored.
+    QString folder = qEnvironmentVariable("XDG_STATE_HOME");
+    if (!QDir::isAbsolutePath(folder)) {
+        folder = QDir::homePath() + QStringLiteral("/.local/state");
+    }
+    return folder + QStringLiteral("/plumtide/state.conf");
+}
+
+void StateFile::write()
+{
+    QThreadPool::globalInstance()->start(
+        [file = path(), values = std::exchange(changed_, {})] { writeTo(file, values); });
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QAnyStringView>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <QVariantMap>
+
+/// What the window remembers from one start to the next, in plumtide/state.conf below the user's state folder
+/// (XDG_STATE_HOME). Main thread; the file is read once, when this is made, and written on a thread of its
+/// own, soon after a change and at the latest when this ends. A file that cannot be written costs a line in
+/// the log, and nothing else.
+class StateFile : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit StateFile(QObject *parent = nullptr);
+    ~StateFile() override;
+
+    /// `fallback` where nothing is stored under `key`, or what is no integer.
+    int integer(QAnyStringView key, int fallback) const;
+    void setValue(QAnyStringView key, const QVariant &value);
+
+    /// Where the file is.
+    static QString path();
+
+private:
+    void write();
+
+    QVariantMap values_;
+    /// What the file does not hold yet.
+    QVariantMap changed_;
+    QTimer writeDelay_;
+};
