@@ -1,5 +1,6 @@
 // A program that ends when it has painted its first frame, to be timed from outside: the real window, or with
-// --empty a window that holds nothing but a table of 500 rows.
+// --empty a window that holds nothing but a table of 500 rows. With --stay as well the empty window stays
+// open.
 
 #include "app/environment.h"
 #include "mainwindow/mainwindow.h"
@@ -20,8 +21,9 @@ constexpr int emptyColumns = 7;
 class EmptyWindow : public QMainWindow
 {
 public:
-    EmptyWindow()
+    explicit EmptyWindow(bool stays)
         : rows_(emptyRows, emptyColumns)
+        , stays_(stays)
     {
         auto *table = new QTableView(this);
         table->setModel(&rows_);
@@ -33,18 +35,21 @@ protected:
     void paintEvent(QPaintEvent *event) override
     {
         QMainWindow::paintEvent(event);
-        QMetaObject::invokeMethod(
-            this, [] { std::_Exit(0); }, Qt::QueuedConnection);
+        if (!stays_) {
+            QMetaObject::invokeMethod(
+                this, [] { std::_Exit(0); }, Qt::QueuedConnection);
+        }
     }
 
 private:
     QStandardItemModel rows_;
+    bool stays_;
 };
 
 int runEmpty(int argc, char **argv)
 {
     const QApplication application(argc, argv);
-    EmptyWindow window;
+    EmptyWindow window(QApplication::arguments().contains(QLatin1StringView("--stay")));
     window.show();
     return QApplication::exec();
 }

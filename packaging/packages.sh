@@ -1,4 +1,4 @@
-# Sourced by ./run and ./test: makes sure that Debian packages are there.
+# Sourced by ./run, ./test and ./bench/run: makes sure that Debian packages are there.
 
 # need_packages PACKAGE...: installs those that are missing, as root or through sudo. Where neither works it names them and
 # ends the script with status 1.
@@ -37,3 +37,5 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libexp
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.
 test_packages=(clang-format clang-tidy)
+# What ./bench/run compares with, and what it listens with.
+bench_packages=(mpv pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)
