@@ -1,3 +1,4 @@
+#include "app/allocator.h"
 #include "app/commandline.h"
 #include "app/environment.h"
 #include "app/log.h"
@@ -13,7 +14,6 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <malloc.h>
 #include <thread>
 #include <variant>
 
@@ -23,16 +23,6 @@ Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
 constexpr int unusableEnvironment = 2;
 /// How long the program may take to end once its window is gone.
 constexpr std::chrono::milliseconds endingTime{1000};
-
-/// Makes the allocator give back what each station leaves behind. With its own, growing thresholds a program
-/// that changes stations for a day keeps several times what it uses.
-void returnFreedMemory()
-{
-    constexpr int thresholdBytes = 128 * 1024;
-    mallopt(M_TRIM_THRESHOLD, thresholdBytes);
-    mallopt(M_MMAP_THRESHOLD, thresholdBytes);
-    mallopt(M_ARENA_MAX, 2);
-}
 
 /// Ends the process after endingTime, whatever still holds it up then. Name lookups that are never answered
 /// would: the toolkit waits for its own, and a core of libmpv for those of its stream.

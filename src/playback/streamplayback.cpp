@@ -24,6 +24,9 @@ StreamPlayback::StreamPlayback(Backend &backend, StoredTimeout storedTimeout, QO
 {
     itemMaker_.setMaxThreadCount(1);
     itemMaker_.setThreadPriority(QThread::HighPriority);
+    // The thread is made before the backend opens its library: making one meanwhile would wait for that.
+    itemMaker_.setExpiryTimeout(-1);
+    itemMaker_.start([] {});
 }
 
 StreamPlayback::~StreamPlayback()

@@ -1,0 +1,163 @@
+// Double-clicks over the rows of the real window, one every few milliseconds, each on another station, rests
+// on the last one until it streams, and prints how long the event loop was ever held, and what is left
+// behind.
+
+#include "app/allocator.h"
+#include "app/environment.h"
+#include "mainwindow/mainwindow.h"
+#include "playback/mpv/mpvbackend.h"
+#include "ui/look.h"
+#include "ui/rvtableview.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QMouseEvent>
+#include <QTimer>
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace {
+constexpr int clicks = 200;
+constexpr int betweenClicks = 30;
+constexpr int restTime = 5'000;
+constexpr int rows = 20;
+
+/// The longest time that a 1 ms timer has been kept waiting.
+class GapWatch : public QObject
+{
+public:
+    GapWatch()
+    {
+        since_.start();
+        startTimer(1, Qt::PreciseTimer);
+    }
+
+    /// In milliseconds, since this was called last.
+    double longest() { return static_cast<double>(std::exchange(longest_, 0)) / 1e6; }
+
+protected:
+    void timerEvent(QTimerEvent *) override
+    {
+        longest_ = std::max(longest_, since_.nsecsElapsed());
+        since_.restart();
+    }
+
+private:
+    QElapsedTimer since_;
+    qint64 longest_ = 0;
+};
+
+qsizetype entriesOf(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+void report(const QByteArray &when, double gap)
+{
+    QFile memory(QStringLiteral("/proc/self/smaps_rollup"));
+    double megabytes = 0;
+    if (memory.open(QIODevice::ReadOnly)) {
+        for (const QByteArray &line : memory.readAll().split('\n')) {
+            if (line.startsWith("Anonymous:")) {
+                megabytes = line.mid(10).trimmed().split(' ').constFirst().toDouble() / 1024;
+            }
+        }
+    }
+    std::printf("%-28s %12.1f %9lld %12lld %14.1f\n", when.constData(), gap,
+                static_cast<long long>(entriesOf(QStringLiteral("/proc/self/task"))),
+                static_cast<long long>(entriesOf(QStringLiteral("/proc/self/fd"))), megabytes);
+    std::fflush(stdout);
+}
+
+/// The start of the program, one station, many in a row, and the last one of them, each with its figures.
+class Storm : public QObject
+{
+public:
+    explicit Storm(MainWindow &window)
+        : table_(*window.findChild<RVTableView *>(QStringLiteral("myTableView")))
+        , playback_(window.player().streamPlayback())
+    {
+        std::printf("%-28s %12s %9s %12s %14s\n", "", "longest, ms", "threads", "descriptors",
+                    "anonymous, MB");
+        QTimer::singleShot(restTime, this, &Storm::playOne);
+        connect(&clicking_, &QTimer::timeout, this, &Storm::clickNext);
+    }
+
+private:
+    void playOne()
+    {
+        if (table_.model()->rowCount() < rows) {
+            std::fputs("The directory has too few stations.\n", stderr);
+            std::_Exit(1);
+        }
+        report("start of the program", watch_.longest());
+        doubleClick(0);
+        QTimer::singleShot(restTime, this, [this] {
+            reportStation("one station");
+            clicking_.start(betweenClicks);
+        });
+    }
+
+    void clickNext()
+    {
+        doubleClick(++done_ % rows);
+        if (done_ == clicks) {
+            clicking_.stop();
+            report("200 double clicks", watch_.longest());
+            QTimer::singleShot(restTime, this, [this] {
+                reportStation("the last of them");
+                std::_Exit(0);
+            });
+        }
+    }
+
+    void reportStation(const QByteArray &station)
+    {
+        report(station + (playback_.isPlaying() ? ", streaming" : ", silent"), watch_.longest());
+    }
+
+    void doubleClick(int row)
+    {
+        QWidget *viewport = table_.viewport();
+        const QPoint position = table_.visualRect(table_.model()->index(row, 1)).center();
+        for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                        QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+            const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+            QCoreApplication::postEvent(
+                viewport,
+                new QMouseEvent(type, position, viewport->mapToGlobal(position), Qt::LeftButton, held, {}));
+        }
+    }
+
+    RVTableView &table_;
+    StreamPlayback &playback_;
+    GapWatch watch_;
+    QTimer clicking_;
+    int done_ = 0;
+};
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    returnFreedMemory();
+    const auto environment = Environment::from(QProcessEnvironment::systemEnvironment());
+    if (const auto *refusal = std::get_if<QString>(&environment)) {
+        std::fprintf(stderr, "%s\n", qPrintable(*refusal));
+        return 2;
+    }
+    const auto &[endpoints, audioOutput, pausedBufferBytes] = std::get<Environment>(environment);
+    MpvBackend backend(audioOutput, pausedBufferBytes);
+    QApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    applyLook(application);
+    MainWindow window(endpoints, backend);
+    QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
+    window.show();
+    const Storm storm(window);
+    return QApplication::exec();
+}
