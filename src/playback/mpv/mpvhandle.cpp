@@ -1,6 +1,7 @@
 #include "playback/mpv/mpvhandle.h"
 
 #include <QLoggingCategory>
+#include <malloc.h>
 
 namespace {
 Q_LOGGING_CATEGORY(lcHandle, "plumtide.playback")
@@ -43,6 +44,8 @@ MpvHandle::~MpvHandle()
     setFlag("pause", true);
     DetachedWork::run(detached_, [terminateDestroy = library_.terminateDestroy, handle = handle_] {
         terminateDestroy(handle);
+        // What a core leaves lies scattered over the heap.
+        malloc_trim(0);
     });
 }
 
