@@ -84,12 +84,12 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
         {"stream-lavf-o", "reconnect_streamed=1,reconnect_delay_max=8,max_redirects=0"},
     };
     if (output.isAutomatic()) {
-        // The sound server's queue of half a second costs a third of the processor time of the usual one. It
-        // rests, and changes its level, without a delay.
-        options.insert(options.end(), {{"ao", "pulse,pipewire,alsa"},
-                                       {"pulse-buffer", "500"},
-                                       {"pipewire-buffer", "500"},
-                                       {"audio-fallback-to-null", "yes"}});
+        // PipeWire is spoken to as PulseAudio is, where it can be. The sound server's queue of half a second
+        // costs a third of the processor time of the usual one. It rests, and changes its level, without a
+        // delay.
+        options.insert(
+            options.end(),
+            {{"ao", "pulse,pipewire,alsa"}, {"pulse-buffer", "500"}, {"audio-fallback-to-null", "yes"}});
     } else if (output.isFile()) {
         // The file takes sound faster than it comes; waiting for more would look like a lost connection.
         options.insert(options.end(), {{"ao", "pcm"},

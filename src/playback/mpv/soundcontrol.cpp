@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds toneStepTime{40};
 SoundControl::SoundControl(MpvHandle &handle, const ListenerSound &sound)
     : handle_(handle)
     , sound_(sound)
-    , bands_{{{"bass", "bass=f=100", &SoundSettings::bass},
+    , bands_{{{"bass", "bass=f=150", &SoundSettings::bass},
               {"middle", "equalizer=f=1000:t=o:w=2", &SoundSettings::middle},
               {"treble", "treble=f=3000", &SoundSettings::treble}}}
 {
@@ -36,8 +36,8 @@ SoundControl::SoundControl(MpvHandle &handle, const ListenerSound &sound)
 void SoundControl::outputOpened(const QByteArray &name)
 {
     open_ = true;
-    // The level of another kind of output is the sound card's own, which is not ours to set.
-    atServer_ = name == "pulse" || name == "pipewire";
+    // Of other outputs it is the sound card's own level, or one on another scale.
+    atServer_ = name == "pulse";
     levelTimer_.stop();
     handle_.setNumber("volume", SoundSettings::loudest);
     setLevel(sound_.settings().amplitude());
