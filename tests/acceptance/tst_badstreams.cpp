@@ -61,7 +61,8 @@ private Q_SLOTS:
     void deadStationsEnd();
     void oddStationsPlay_data();
     void oddStationsPlay();
-    void lostStationsDoNotLeadElsewhere();
+    void closingServersAreLeftAlone_data();
+    void closingServersAreLeftAlone();
     void cleanupTestCase();
 
 private:
@@ -220,18 +221,45 @@ void TestBadStreams::oddStationsPlay()
     QVERIFY(!sound_->wasOpened());
 }
 
-/// A server that closes in mid-stream, and redirects those who come back.
-void TestBadStreams::lostStationsDoNotLeadElsewhere()
+void TestBadStreams::closingServersAreLeftAlone_data()
 {
+    const QByteArray burst = radio_.beginning(0, burstBytes);
+    // Of a length that is not stated, so that nothing tells its end from a lost connection.
+    const QByteArray note = "HTTP/1.0 200 OK\r\n\r\nClosed for the night";
+    const QStringList playedOut = Stage::healthyStart + Stage::soundsEnd;
+    QTest::addColumn<QByteArray>("first");
+    QTest::addColumn<QByteArray>("next");
+    QTest::addColumn<QStringList>("statuses");
+    QTest::newRow("sound, then a redirect") << burst << QByteArray("ELSEWHERE") << playedOut;
+    QTest::newRow("sound, then a note") << burst << note << playedOut;
+    QTest::newRow("a note") << note << note << Stage::failure;
+}
+
+/// Servers that close the connection, and what they answer to those who come back.
+void TestBadStreams::closingServersAreLeftAlone()
+{
+    QFETCH(QByteArray, first);
+    QFETCH(QByteArray, next);
     ScriptedServer elsewhere;
-    directory_.script("/moving", radio_.beginning(0, burstBytes));
-    directory_.scriptNext(
-        "/moving", "HTTP/1.0 302 Found\r\nLocation: " + elsewhere.address(u"/x"_s).toLatin1() + "\r\n\r\n");
-    play(directory_.address(u"/moving"_s).toLatin1(), 4);
-    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
-    QVERIFY(directory_.targets().count("/moving") > 1);
+    next.replace("ELSEWHERE",
+                 "HTTP/1.0 302 Found\r\nLocation: " + elsewhere.address(u"/x"_s).toLatin1() + "\r\n\r\n");
+    ScriptedServer server;
+    server.script("/closing", first);
+    server.scriptNext("/closing", next);
+    play(server.address(u"/closing"_s).toLatin1(), 2);
+    QFETCH(QStringList, statuses);
+    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses.value(stage_->statuses.size() - 1), statuses.constLast(),
+                              Stage::soundTime);
+
+    constexpr char why[] = "FFmpeg comes back at once, and again and again, for as long as bytes come";
+    QEXPECT_FAIL("a note", why, Continue);
+    QCOMPARE(stage_->statuses, statuses);
+    QVERIFY(server.requests().size() > 1);
+    QEXPECT_FAIL("a note", why, Continue);
+    QEXPECT_FAIL("sound, then a note", why, Continue);
+    QCOMPARE_LE(server.requests().size(), mostRequests);
     QCOMPARE(elsewhere.requests(), QList<QByteArray>());
-    QTRY_COMPARE(directory_.openConnections(), 0);
+    QTRY_COMPARE(server.openConnections(), 0);
 }
 
 QTEST_MAIN(TestBadStreams)
