@@ -18,6 +18,13 @@ constexpr std::chrono::milliseconds shortestShare = std::chrono::seconds(1);
 /// How often one stream is handed out.
 constexpr int attempts = 2;
 constexpr int noLookup = -1;
+
+bool isNamedLikeAPlaylist(const QUrl &address)
+{
+    const QString path = address.path();
+    return path.endsWith(QLatin1StringView(".m3u"), Qt::CaseInsensitive) ||
+           path.endsWith(QLatin1StringView(".pls"), Qt::CaseInsensitive);
+}
 } // namespace
 
 QByteArray StreamResolver::userAgent()
@@ -144,7 +151,8 @@ void StreamResolver::judge(bool complete)
             const QList<QUrl> entries =
                 current_.depth < maximumDepth ? Playlist::entries(body, response.url) : QList<QUrl>();
             for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry) {
-                waiting_.push_front({.url = *entry, .depth = current_.depth + 1, .trusted = true});
+                waiting_.push_front(
+                    {.url = *entry, .depth = current_.depth + 1, .trusted = !isNamedLikeAPlaylist(*entry)});
             }
             next();
         }

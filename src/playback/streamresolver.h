@@ -11,13 +11,14 @@ class HttpExchange;
 
 /// Finds the stream behind an address, which may be a playlist, a playlist of playlists, or redirected.
 ///
-/// Candidates are tried in order. What a start is given is looked at first; what a playlist names is taken
-/// for a stream and handed out at once, because servers count their listeners and are slow to send the first
-/// bytes. Only when such a stream is refused it is looked at, for it may be a playlist or a redirect after
-/// all; and what looks like sound is handed out a second time, because a stream that is joined in the middle
-/// is sometimes taken for something else. The name of a server is looked up before its stream is handed out:
-/// here a name server that does not answer holds a few threads, and none of the player's. Each candidate has
-/// its share of the time that is left, so that a dead one leaves time for the next.
+/// Candidates are tried in order. What a start is given is looked at first; what a playlist names, unless the
+/// name is that of another playlist, is taken for a stream and handed out at once, because servers count
+/// their listeners and are slow to send the first bytes. Only when such a stream is refused it is looked at,
+/// for it may be a playlist or a redirect after all; and what looks like sound is handed out a second time,
+/// because a stream that is joined in the middle is sometimes taken for something else. The name of a server
+/// is looked up before its stream is handed out: here a name server that does not answer holds a few threads,
+/// and none of the player's. Each candidate has its share of the time that is left, so that a dead one leaves
+/// time for the next.
 ///
 /// Lives on the main thread. Ends by being destroyed, or with failed().
 class StreamResolver : public QObject

@@ -108,6 +108,8 @@ void TestStreamResolver::candidates_data()
     QTest::newRow("a playlist") << QByteArray("/list")
                                 << QStringList{u"/gone"_s, u"/moved"_s, u"/sound"_s, u"/sound"_s};
     QTest::newRow("a name that there is not") << QByteArray("/lost") << QStringList{u"/sound"_s, u"/sound"_s};
+    QTest::newRow("a playlist named by another")
+        << QByteArray("/lists") << QStringList{u"/sound"_s, u"/sound"_s};
     QTest::newRow("itself") << QByteArray("/self") << QStringList{u"/self"_s, u"/self"_s, u"/self"_s};
     QTest::newRow("a web page") << QByteArray("/page") << QStringList{};
     QTest::newRow("an error page") << QByteArray("/gone") << QStringList{};
@@ -131,6 +133,8 @@ void TestStreamResolver::candidates()
     server.scriptBody("/list", "[playlist]\nFile1=" + server.address(u"/gone"_s).toLatin1() +
                                    "\nFile2=" + server.address(u"/moved"_s).toLatin1());
     server.scriptBody("/lost", "http://nowhere.invalid/x\n" + server.address(u"/sound"_s).toLatin1());
+    server.scriptBody("/lists", server.address(u"/inner.m3u"_s).toLatin1());
+    server.scriptBody("/inner.m3u", server.address(u"/sound"_s).toLatin1());
     server.scriptBody("/self", "http://127.0.0.1:" + QByteArray::number(server.serverPort()) + "/self\n");
     server.script("/endless", "HTTP/1.0 200 OK\r\n\r\n[playlist]\n" + QByteArray(300 * 1024, 'x'),
                   ScriptedServer::After::StayOpen);

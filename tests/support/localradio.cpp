@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QTcpSocket>
+#include <QUrl>
 
 namespace {
 constexpr int startTime = 10'000;
@@ -20,19 +22,30 @@ LocalRadio::LocalRadio(const QStringList &arguments)
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(program,
                    QStringList{QStringLiteral("--log"), folder_.filePath(QStringLiteral("log"))} + arguments);
-    while (!process_.canReadLine() && process_.waitForReadyRead(startTime)) {
-    }
-    const QString line = QString::fromUtf8(process_.readLine()).trimmed();
-    const qsizetype begin = line.indexOf(QLatin1StringView("http://"));
-    if (begin >= 0) {
-        address_ = line.mid(begin).chopped(1);
-    }
+    address_ = readAddress();
+    secondAddress_ = readAddress();
 }
 
 LocalRadio::~LocalRadio()
 {
     process_.terminate();
     process_.waitForFinished(startTime);
+}
+
+QString LocalRadio::stream(int row) const
+{
+    return address_ + stations_.at(row)[QLatin1StringView("streams")][0].toString();
+}
+
+QByteArray LocalRadio::beginning(int row, qsizetype bytes) const
+{
+    const QUrl url(stream(row));
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(url.port()));
+    socket.write("GET " + url.path().toLatin1() + " HTTP/1.0\r\n\r\n");
+    while (socket.bytesAvailable() < bytes && socket.waitForReadyRead(startTime)) {
+    }
+    return socket.read(bytes);
 }
 
 QList<QJsonObject> LocalRadio::logged(const QString &event) const
@@ -48,4 +61,14 @@ QList<QJsonObject> LocalRadio::logged(const QString &event) const
         }
     }
     return found;
+}
+
+/// From the next line of output; empty where that names none.
+QString LocalRadio::readAddress()
+{
+    while (!process_.canReadLine() && process_.waitForReadyRead(startTime)) {
+    }
+    const QString line = QString::fromUtf8(process_.readLine()).trimmed();
+    const qsizetype begin = line.indexOf(QLatin1StringView("http://"));
+    return begin >= 0 ? line.mid(begin).chopped(1) : QString();
 }

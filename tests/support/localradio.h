@@ -17,14 +17,23 @@ public:
     bool isRunning() const { return !address_.isEmpty(); }
     /// "http://127.0.0.1:PORT", without a trailing "/".
     const QString &address() const { return address_; }
+    /// The same for its second port, which serves the same.
+    const QString &secondAddress() const { return secondAddress_; }
+    /// The address of the stream of the station in that row of the catalogue.
+    QString stream(int row) const;
+    /// The first `bytes` of that stream's answer, head and all; fewer if it takes too long.
+    QByteArray beginning(int row, qsizetype bytes) const;
     /// The catalogue, most listeners first.
     const QJsonArray &stations() const { return stations_; }
     /// What it has logged so far under that name of an event.
     QList<QJsonObject> logged(const QString &event) const;
 
 private:
+    QString readAddress();
+
     QTemporaryDir folder_;
     QProcess process_;
     QString address_;
+    QString secondAddress_;
     QJsonArray stations_;
 };

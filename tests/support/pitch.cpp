@@ -13,6 +13,7 @@ constexpr qsizetype bytesPerFrame = 4;
 constexpr double lowestPitch = 80;
 constexpr double highestPitch = 2000;
 constexpr double semitone = 1.0594630943592953;
+constexpr double quarterTone = 1.0293;
 
 std::vector<double> lastSamples(const QString &wavFile)
 {
@@ -66,4 +67,9 @@ double strongestPitch(const QString &wavFile)
         }
     }
     return pitch;
+}
+
+bool hasPitch(const QString &wavFile, double pitch)
+{
+    return std::abs(std::log(strongestPitch(wavFile) / pitch)) < std::log(quarterTone);
 }

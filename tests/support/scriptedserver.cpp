@@ -22,7 +22,12 @@ QString ScriptedServer::address(const QString &path) const
 
 void ScriptedServer::script(const QByteArray &path, const QByteArray &rawAnswer, After after)
 {
-    answers_.insert(path, {rawAnswer, after});
+    answers_.insert(path, {{rawAnswer, after}});
+}
+
+void ScriptedServer::scriptNext(const QByteArray &path, const QByteArray &rawAnswer, After after)
+{
+    answers_[path].append({rawAnswer, after});
 }
 
 void ScriptedServer::scriptBody(const QByteArray &path, const QByteArray &body, const QByteArray &status)
@@ -59,10 +64,11 @@ void ScriptedServer::answer(QTcpSocket *socket)
         return;
     }
     requests_.append(socket->readAll());
-    const auto found = answers_.constFind(targetOf(received).split('?').first());
-    if (found != answers_.constEnd()) {
-        socket->write(found->bytes);
-        if (found->after == After::Close) {
+    const auto found = answers_.find(targetOf(received).split('?').first());
+    if (found != answers_.end()) {
+        const Answer answer = found->size() > 1 ? found->takeFirst() : found->constFirst();
+        socket->write(answer.bytes);
+        if (answer.after == After::Close) {
             socket->disconnectFromHost();
         }
     }

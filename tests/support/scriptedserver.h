@@ -23,6 +23,9 @@ public:
     /// The raw answer to requests for `path`, without its query; any other path is accepted and never
     /// answered.
     void script(const QByteArray &path, const QByteArray &rawAnswer, After after = After::Close);
+    /// The answer to requests for `path` after those that have been scripted, each of which is then given
+    /// once.
+    void scriptNext(const QByteArray &path, const QByteArray &rawAnswer, After after = After::Close);
     /// An answer with a status line, a length and `body`.
     void scriptBody(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK");
 
@@ -43,7 +46,7 @@ private:
     void accept();
     void answer(QTcpSocket *socket);
 
-    QHash<QByteArray, Answer> answers_;
+    QHash<QByteArray, QList<Answer>> answers_;
     QList<QByteArray> requests_;
     int openConnections_ = 0;
 };

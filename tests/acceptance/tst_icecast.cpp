@@ -1,0 +1,93 @@
+#include "support/icecast.h"
+#include "support/pitch.h"
+#include "support/stage.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int pitch = 600;
+} // namespace
+
+/// A stream server that is not of our own making.
+class TestIcecast : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void formatsStream_data();
+    void formatsStream();
+    void soundIsTheMounts();
+    void privateMountsAreNotHeard();
+    void endedSourcesArePlayedOut();
+
+private:
+    Icecast icecast_;
+    OneStationDirectory directory_;
+};
+
+void TestIcecast::initTestCase()
+{
+    QVERIFY(icecast_.isRunning());
+    for (const QByteArray mount : {"/tone.mp3", "/tone.ogg", "/tone.aac", Icecast::privateMount}) {
+        QVERIFY(icecast_.startSource(mount, pitch));
+    }
+}
+
+void TestIcecast::formatsStream_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    for (const QByteArray path : {"/tone.mp3", "/tone.ogg", "/tone.aac", "/tone.mp3.m3u"}) {
+        QTest::newRow(path.constData()) << path;
+    }
+}
+
+void TestIcecast::formatsStream()
+{
+    QFETCH(QByteArray, path);
+    directory_.leadTo({icecast_.address(path)});
+    Stage stage(directory_.address());
+    stage.doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::healthyStart, Stage::soundTime);
+}
+
+void TestIcecast::soundIsTheMounts()
+{
+    directory_.leadTo({icecast_.address("/tone.mp3")});
+    const QTemporaryDir folder;
+    const QString sound = folder.filePath(u"sound.wav"_s);
+    Stage stage(directory_.address(), *AudioOutput::fromText(u"pcm:"_s + sound));
+    stage.doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::healthyStart, Stage::soundTime);
+    QTRY_VERIFY_WITH_TIMEOUT(hasPitch(sound, pitch), Stage::soundTime);
+}
+
+void TestIcecast::privateMountsAreNotHeard()
+{
+    directory_.leadTo({icecast_.address(Icecast::privateMount)});
+    Stage stage(directory_.address());
+    stage.settings.setValue("timeout_value", 2);
+    stage.doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::failure, Stage::soundTime);
+}
+
+void TestIcecast::endedSourcesArePlayedOut()
+{
+    directory_.leadTo({icecast_.address("/tone.mp3")});
+    Stage stage(directory_.address());
+    stage.doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::healthyStart, Stage::soundTime);
+
+    QVERIFY(icecast_.endSource("/tone.mp3"));
+    // The server has nothing more to send, and the burst goes on for seconds.
+    QSignalSpy ended(&stage.window.player().streamPlayback(), &StreamPlayback::tornDown);
+    QVERIFY(!ended.wait(1000));
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
+    QCOMPARE(stage.text(u"playerStatusString"_s), u"idle"_s);
+}
+
+QTEST_MAIN(TestIcecast)
+#include "tst_icecast.moc"

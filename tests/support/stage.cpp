@@ -1,0 +1,79 @@
+#include "support/stage.h"
+
+#include "ui/rvtableview.h"
+
+#include <QLabel>
+#include <QTest>
+#include <QToolButton>
+#include <clocale>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString connecting = u"Connecting please wait.."_s;
+const QString buffering = u"Buffering .."_s;
+const QString terminated = u"Terminated / lost connection"_s;
+const QString notResponding = u"Server is not responding"_s;
+} // namespace
+
+const QStringList Stage::healthyStart{connecting, buffering, u"- Streaming -"_s};
+const QStringList Stage::soundsEnd{buffering, u"Lost connection !"_s, terminated};
+const QStringList Stage::failure{connecting, u"Failed"_s, terminated, notResponding};
+const QStringList Stage::silence{connecting, terminated, notResponding};
+
+Stage::Stage(const QString &directory, const AudioOutput &output)
+    : backend(output)
+    , settings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s)
+    , window({{.baseAddress = directory + u'/'}, directory}, backend)
+{
+    std::setlocale(LC_NUMERIC, "C");
+    settings.clear();
+    QObject::connect(&window.player().streamPlayback(), &StreamPlayback::statusChanged,
+                     [this](const QString &status) {
+                         if (statuses.isEmpty() || statuses.constLast() != status) {
+                             statuses.append(status);
+                         }
+                     });
+    window.show();
+}
+
+RVTableView *Stage::table()
+{
+    return window.findChild<RVTableView *>(u"myTableView"_s);
+}
+
+QString Stage::text(const QString &label)
+{
+    return window.findChild<QLabel *>(label)->text();
+}
+
+void Stage::click(const QString &button)
+{
+    window.findChild<QToolButton *>(button)->click();
+}
+
+void Stage::doubleClick(int row)
+{
+    if (!QTest::qWaitFor([&] { return table()->model()->rowCount() > row; })) {
+        QTest::qFail("the directory has no such row", __FILE__, __LINE__);
+        return;
+    }
+    statuses.clear();
+    const QPoint position = table()->visualRect(table()->model()->index(row, 1)).center();
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, position);
+    QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {}, position);
+}
+
+OneStationDirectory::OneStationDirectory()
+{
+    scriptBody("/legacy/Top500/", "<l><tunein base='/tune'/><station name='station' id='1'/></l>");
+}
+
+void OneStationDirectory::leadTo(const QList<QByteArray> &entries)
+{
+    QByteArray playlist = "[playlist]\n";
+    for (qsizetype index = 0; index < entries.size(); ++index) {
+        playlist += "File" + QByteArray::number(index + 1) + '=' + entries[index] + '\n';
+    }
+    scriptBody("/tune", playlist);
+}
