@@ -36,6 +36,6 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libexp
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.
-test_packages=(clang-format clang-tidy icecast2)
+test_packages=(clang-format clang-tidy icecast2 pulseaudio pulseaudio-utils)
 # What ./bench/run compares with, and what it listens with.
 bench_packages=(mpv pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)

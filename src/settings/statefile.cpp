@@ -51,7 +51,8 @@ StateFile::~StateFile()
 int StateFile::integer(QAnyStringView key, int fallback) const
 {
     bool isInteger = false;
-    const int value = values_.value(key.toString()).toInt(&isInteger);
+    // Not by way of a number: QVariant would cut off what does not fit.
+    const int value = values_.value(key.toString()).toString().toInt(&isInteger);
     return isInteger ? value : fallback;
 }
 

@@ -56,7 +56,7 @@ void Popover::place()
     card.moveCenter(anchor.center());
     card.moveLeft(std::clamp(card.left(), room.left(), std::max(room.left(), room.right() - card.width())));
     if (below_) {
-        card.moveTop(anchor.bottom());
+        card.moveTop(std::max(anchor.bottom(), room.top()));
     } else {
         card.moveBottom(anchor.top());
     }

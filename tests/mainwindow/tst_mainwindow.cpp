@@ -104,6 +104,7 @@ void TestMainWindow::startShowsTheTopStations()
     QVERIFY(!stage.find<Spinner>(u"progress"_s)->isAnimating());
     QCOMPARE(stage.table()->model()->rowCount(), 4);
     QVERIFY(!stage.table()->selectionModel()->hasSelection());
+    stage.find<QToolButton>(u"audioButton"_s)->click();
     for (QWidget *control : stage.window->findChildren<QWidget *>()) {
         const bool used =
             control->focusPolicy() != Qt::NoFocus || qobject_cast<QToolButton *>(control) != nullptr;

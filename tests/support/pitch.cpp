@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <vector>
 
 namespace {
 constexpr double sampleRate = 44100;
@@ -37,8 +36,9 @@ std::vector<double> lastSamples(const QString &wavFile)
     }
     return samples;
 }
+} // namespace
 
-/// The Goertzel algorithm: the energy of `samples` at one frequency.
+/// The Goertzel algorithm.
 double energyAt(const std::vector<double> &samples, double frequency)
 {
     const double coefficient = 2 * std::cos(2 * std::numbers::pi * frequency / sampleRate);
@@ -51,7 +51,6 @@ double energyAt(const std::vector<double> &samples, double frequency)
     }
     return last * last + beforeLast * beforeLast - coefficient * last * beforeLast;
 }
-} // namespace
 
 double strongestPitch(const QString &wavFile)
 {

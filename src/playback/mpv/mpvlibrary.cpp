@@ -12,6 +12,9 @@ constexpr int interfaceVersion = static_cast<int>(MPV_CLIENT_API_VERSION >> 16U)
 /// AV_LOG_QUIET.
 constexpr int ffmpegQuiet = -8;
 
+/// SPA_LOG_LEVEL_NONE.
+constexpr int pipeWireQuiet = 0;
+
 /// A snd_lib_error_handler_t.
 void ignoreAlsaError(const char *, int, const char *, int, const char *, ...) {}
 
@@ -49,6 +52,10 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
     if (const auto setHandler =
             reinterpret_cast<int (*)(AlsaErrorHandler)>(library.resolve("snd_lib_error_set_handler"))) {
         setHandler(ignoreAlsaError);
+    }
+    // And PipeWire, at every look for a server.
+    if (const auto setLevel = reinterpret_cast<void (*)(int)>(library.resolve("pw_log_set_level"))) {
+        setLevel(pipeWireQuiet);
     }
     return functions;
 }
