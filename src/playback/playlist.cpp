@@ -86,7 +86,7 @@ Playlist::Kind Playlist::kindOf(QByteArrayView head)
             return Kind::Playlist;
         }
     }
-    return text.startsWith('<') ? Kind::Markup : Kind::Media;
+    return Kind::Text;
 }
 
 QList<QUrl> Playlist::entries(QByteArrayView playlist, const QUrl &base)

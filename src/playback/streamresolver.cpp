@@ -15,6 +15,8 @@ namespace {
 constexpr qint64 maximumPlaylistBytes = 256LL * 1024;
 /// What a candidate gets however many others wait behind it.
 constexpr std::chrono::milliseconds shortestShare = std::chrono::seconds(1);
+/// A server that is slow to send the first bytes takes most of a second.
+constexpr std::chrono::milliseconds doubtTime = std::chrono::seconds(1);
 /// How often one stream is handed out.
 constexpr int attempts = 2;
 constexpr int noLookup = -1;
@@ -40,6 +42,9 @@ StreamResolver::StreamResolver(const QUrl &address, std::chrono::milliseconds ti
     waiting_.push_back({.url = address});
     share_.setSingleShot(true);
     connect(&share_, &QTimer::timeout, this, &StreamResolver::next);
+    doubt_.setSingleShot(true);
+    doubt_.setInterval(doubtTime);
+    connect(&doubt_, &QTimer::timeout, this, &StreamResolver::look);
 }
 
 StreamResolver::~StreamResolver()
@@ -55,6 +60,7 @@ void StreamResolver::start()
 
 void StreamResolver::refused()
 {
+    doubt_.stop();
     if (current_.trusted) {
         current_.trusted = false;
         look();
@@ -63,10 +69,20 @@ void StreamResolver::refused()
     }
 }
 
+void StreamResolver::accepted()
+{
+    doubt_.stop();
+    endLook();
+}
+
 void StreamResolver::next()
 {
     endLook();
     dropName();
+    doubt_.stop();
+    if (!handedOut_.isEmpty()) {
+        Q_EMIT streamDropped();
+    }
     handedOut_.clear();
     timesHandedOut_ = 0;
     if (waiting_.empty() || tried_ == maximumCandidates) {
@@ -138,7 +154,7 @@ void StreamResolver::judge(bool complete)
 {
     const HttpResponse response = exchange_->response();
     if (response.status < 200 || response.status >= 300 || (complete && exchange_->body().isEmpty())) {
-        next();
+        dismiss();
         return;
     }
     const QByteArray &body = exchange_->body();
@@ -157,12 +173,27 @@ void StreamResolver::judge(bool complete)
             next();
         }
         break;
-    case Playlist::Kind::Markup:
+    case Playlist::Kind::Text:
         next();
         break;
     case Playlist::Kind::Media:
-        handOut(response.url);
+        if (current_.trusted) {
+            endLook();
+        } else {
+            handOut(response.url);
+        }
         break;
+    }
+}
+
+/// Some servers have nothing for a second connection: what they say to a look counts only while there is no
+/// stream that the player may yet come to like.
+void StreamResolver::dismiss()
+{
+    if (current_.trusted) {
+        endLook();
+    } else {
+        next();
     }
 }
 
@@ -170,10 +201,12 @@ void StreamResolver::judge(bool complete)
 /// of the connection. The player understands such a server, and finds out where it was no such server.
 void StreamResolver::lookFailed(int code)
 {
-    if (code == QNetworkReply::RemoteHostClosedError || code == QNetworkReply::ProtocolFailure) {
+    const bool notHttp =
+        code == QNetworkReply::RemoteHostClosedError || code == QNetworkReply::ProtocolFailure;
+    if (notHttp && !current_.trusted) {
         handOut(current_.url);
     } else {
-        next();
+        dismiss();
     }
 }
 
@@ -187,6 +220,9 @@ void StreamResolver::handOut(const QUrl &stream)
         return;
     }
     handedOut_ = stream;
+    if (current_.trusted) {
+        doubt_.start();
+    }
     Q_EMIT streamFound(stream);
 }
 

@@ -20,6 +20,9 @@ class HttpExchange;
 /// and none of the player's. Each candidate has its share of the time that is left, so that a dead one leaves
 /// time for the next.
 ///
+/// A stream that has not begun to be read a while after it was handed out is looked at beside, because FFmpeg
+/// asks again and again for an answer without a length that is too short to be sound, and never refuses it.
+///
 /// Lives on the main thread. Ends by being destroyed, or with failed().
 class StreamResolver : public QObject
 {
@@ -41,9 +44,13 @@ public:
     void start();
     /// The stream handed out last could not be played; goes on.
     void refused();
+    /// The stream handed out last has been taken for sound.
+    void accepted();
 
 Q_SIGNALS:
     void streamFound(const QUrl &stream);
+    /// What was handed out last is not to be played after all.
+    void streamDropped();
     /// There is nothing left to try.
     void failed();
 
@@ -62,6 +69,7 @@ private:
     void dropName();
     void look();
     void judge(bool complete);
+    void dismiss();
     void lookFailed(int code);
     void handOut(const QUrl &stream);
     void endLook();
@@ -76,6 +84,8 @@ private:
     QElapsedTimer elapsed_;
     QTimer share_;
     HttpExchange *exchange_ = nullptr;
+    /// Until a stream that was handed out unseen is looked at, though it has not been refused.
+    QTimer doubt_;
     /// -1 while no name is being looked up.
     int lookup_ = -1;
 };

@@ -3,9 +3,8 @@
 #include <QDir>
 #include <QLoggingCategory>
 #include <QSettings>
-#include <QThreadPool>
 #include <chrono>
-#include <mutex>
+#include <utility>
 
 namespace {
 Q_LOGGING_CATEGORY(lcState, "plumtide.state")
@@ -15,9 +14,6 @@ constexpr std::chrono::milliseconds writeDelay{500};
 
 void writeTo(const QString &path, const QVariantMap &values)
 {
-    // Two writes in a row reach the file in a row.
-    static std::mutex turn;
-    const std::scoped_lock lock(turn);
     QSettings file(path, QSettings::IniFormat);
     for (auto value = values.constBegin(); value != values.constEnd(); ++value) {
         file.setValue(value.key(), value.value());
@@ -36,6 +32,8 @@ StateFile::StateFile(QObject *parent)
     for (const QString &key : file.allKeys()) {
         values_.insert(key, file.value(key));
     }
+    // Two writes in a row reach the file in a row.
+    writer_.setMaxThreadCount(1);
     writeDelay_.setSingleShot(true);
     writeDelay_.setInterval(writeDelay);
     connect(&writeDelay_, &QTimer::timeout, this, &StateFile::write);
@@ -43,9 +41,8 @@ StateFile::StateFile(QObject *parent)
 
 StateFile::~StateFile()
 {
-    if (!changed_.isEmpty()) {
-        writeTo(path(), changed_);
-    }
+    write();
+    writer_.waitForDone();
 }
 
 int StateFile::integer(QAnyStringView key, int fallback) const
@@ -78,6 +75,7 @@ QString StateFile::path()
 
 void StateFile::write()
 {
-    QThreadPool::globalInstance()->start(
-        [file = path(), values = std::exchange(changed_, {})] { writeTo(file, values); });
+    if (!changed_.isEmpty()) {
+        writer_.start([file = path(), values = std::exchange(changed_, {})] { writeTo(file, values); });
+    }
 }

@@ -3,6 +3,7 @@
 #include <QAnyStringView>
 #include <QObject>
 #include <QString>
+#include <QThreadPool>
 #include <QTimer>
 #include <QVariantMap>
 
@@ -32,4 +33,5 @@ private:
     /// What the file does not hold yet.
     QVariantMap changed_;
     QTimer writeDelay_;
+    QThreadPool writer_;
 };

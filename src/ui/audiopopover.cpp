@@ -18,9 +18,25 @@ void reserve(QLabel *label, const QString &widest)
 
 AudioPopover::AudioPopover(QWidget *window)
     : Popover(window)
-    , ui_(std::make_unique<Ui::AudioPopover>())
 {
+    setObjectName(QStringLiteral("audioPopOver"));
+}
+
+AudioPopover::~AudioPopover() = default;
+
+bool AudioPopover::event(QEvent *event)
+{
+    if (event->type() == QEvent::Polish && !ui_) {
+        makeControls();
+    }
+    return Popover::event(event);
+}
+
+void AudioPopover::makeControls()
+{
+    ui_ = std::make_unique<Ui::AudioPopover>();
     ui_->setupUi(this);
+    setFocusProxy(ui_->volumeSlider);
     connect(ui_->volumeSlider, &LevelSlider::valueChanged, this, [this](int volume) {
         SoundSettings settings = settings_;
         settings.volume = volume;
@@ -40,8 +56,6 @@ AudioPopover::AudioPopover(QWidget *window)
             [this] { setSettings({.volume = settings_.volume, .muted = settings_.muted}); });
     showSettings();
 }
-
-AudioPopover::~AudioPopover() = default;
 
 void AudioPopover::setSettings(const SoundSettings &settings)
 {
@@ -63,6 +77,9 @@ void AudioPopover::bindBand(LevelSlider *slider, int SoundSettings::*setting)
 
 void AudioPopover::showSettings()
 {
+    if (!ui_) {
+        return;
+    }
     const QColor ink = palette().color(QPalette::WindowText);
     ui_->muteButton->setIcon(
         svgIcon(settings_.muted ? QStringLiteral("volume-muted") : QStringLiteral("volume"), ink));

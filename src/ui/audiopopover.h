@@ -12,7 +12,7 @@ namespace Ui {
 class AudioPopover;
 }
 
-/// The listener's volume and tone.
+/// The listener's volume and tone. Its controls are made when it is first shown.
 class AudioPopover : public Popover
 {
     Q_OBJECT
@@ -25,10 +25,13 @@ public:
     /// Shows `settings`, which must be in range, and signals them where they differ.
     void setSettings(const SoundSettings &settings);
 
+    bool event(QEvent *event) override;
+
 Q_SIGNALS:
     void settingsChanged(const SoundSettings &settings);
 
 private:
+    void makeControls();
     void bindBand(LevelSlider *slider, int SoundSettings::*setting);
     void showSettings();
 

@@ -42,8 +42,7 @@ void Popover::showRelativeTo(const QRect &rectangle, QWidget *view)
     place();
     show();
     raise();
-    setFocus();
-    focusNextChild();
+    setFocus(Qt::PopupFocusReason);
 }
 
 void Popover::place()

@@ -17,7 +17,7 @@ public:
     bool isShown() const { return isVisible(); }
 
     /// Shows it beside `rectangle`, which is in the coordinates of `view`: below where there is room, else
-    /// above, and inside the window. The focus goes into it, and back when it closes.
+    /// above, and inside the window. The focus goes into it, to its focus proxy, and back when it closes.
     void showRelativeTo(const QRect &rectangle, QWidget *view);
 
 protected:

@@ -1,10 +1,9 @@
-#include "mainwindow/mainwindow.h"
-#include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
 #include "support/localradio.h"
 #include "support/pitch.h"
 #include "support/scriptedserver.h"
 #include "support/soundserver.h"
+#include "support/stage.h"
 
 #include <QDataStream>
 #include <QFile>
@@ -13,7 +12,6 @@
 #include <QTest>
 #include <QToolButton>
 #include <algorithm>
-#include <clocale>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -25,7 +23,6 @@ using namespace Qt::StringLiterals;
 namespace {
 using Samples = std::vector<double>;
 
-constexpr int soundTime = 15'000;
 constexpr qsizetype second = SoundRecorder::sampleRate;
 /// Short against the swell of the stations' sound.
 constexpr qsizetype excerpt = second / 3;
@@ -64,21 +61,15 @@ std::size_t heard(const Samples &samples)
 }
 
 /// The real window and the real player, through the sound server.
-struct Stage
+struct SoundStage : Stage
 {
-    Stage(const QString &directory, SoundRecorder &soundRecorder)
-        : recorder(soundRecorder)
-        , backend(AudioOutput::automatic())
-        , window({{.baseAddress = directory + u'/'}, directory}, backend)
+    SoundStage(const QString &directory, SoundRecorder &soundRecorder)
+        : Stage(directory, AudioOutput::automatic())
+        , recorder(soundRecorder)
     {
-        std::setlocale(LC_NUMERIC, "C");
-        QObject::connect(&window.player().streamPlayback(), &StreamPlayback::statusChanged,
-                         [this](const QString &text) {
-                             if (statuses.isEmpty() || statuses.constLast() != text) {
-                                 statuses.append(text);
-                             }
-                         });
-        window.show();
+        // Its controls are there from the first time that it is shown.
+        click(u"audioButton"_s);
+        click(u"audioButton"_s);
     }
 
     void set(const QString &slider, int value) { window.findChild<QSlider *>(slider)->setValue(value); }
@@ -107,9 +98,6 @@ struct Stage
     }
 
     SoundRecorder &recorder;
-    MpvBackend backend;
-    MainWindow window;
-    QStringList statuses;
 };
 
 /// A WAV file of a tone that grows with the time, so that its level tells the position.
@@ -187,7 +175,7 @@ QString TestSound::station(double pitch) const
 void TestSound::levelIsCubicAndSmooth()
 {
     SoundRecorder recorder;
-    Stage stage(radio_.address(), recorder);
+    SoundStage stage(radio_.address(), recorder);
     QVERIFY(stage.plays(station(110)));
     recorder.next(excerpt);
     const double loudest = levelOf(recorder.next(excerpt));
@@ -226,7 +214,7 @@ void TestSound::toneChangesItsBand()
         return 20 * std::log10(hiss ? levelOf(edgesOf(sound)) : std::sqrt(energyAt(sound, pitch)));
     };
     SoundRecorder recorder;
-    Stage stage(radio_.address(), recorder);
+    SoundStage stage(radio_.address(), recorder);
     // What is raised has room.
     stage.set(u"volumeSlider"_s, 50);
     QVERIFY(stage.plays(station(pitch)));
@@ -248,7 +236,7 @@ void TestSound::everyStartHasTheLevel()
     SoundRecorder recorder;
     const double fullScale = std::pow(0.2, 3);
     {
-        Stage stage(radio_.address(), recorder);
+        SoundStage stage(radio_.address(), recorder);
         stage.set(u"volumeSlider"_s, 20);
         for (const double pitch : {110.0, 220.0}) {
             QVERIFY(stage.plays(station(pitch)));
@@ -256,7 +244,7 @@ void TestSound::everyStartHasTheLevel()
             QCOMPARE_LT(peakOf(recorder.samples(0)), fullScale);
         }
     }
-    Stage stage(radio_.address(), recorder);
+    SoundStage stage(radio_.address(), recorder);
     QVERIFY(stage.plays(station(110)));
     recorder.next(second);
     QCOMPARE_LT(peakOf(recorder.samples(0)), fullScale);
@@ -267,7 +255,7 @@ void TestSound::everyStartHasTheLevel()
 void TestSound::soundServerMayGoAndCome()
 {
     SoundRecorder recorder;
-    Stage stage(radio_.address(), recorder);
+    SoundStage stage(radio_.address(), recorder);
     stage.set(u"volumeSlider"_s, 50);
     QVERIFY(stage.plays(station(110)));
     const QStringList healthy = stage.statuses;
@@ -275,10 +263,10 @@ void TestSound::soundServerMayGoAndCome()
     QTest::ignoreMessage(QtWarningMsg, "no sound server answers; playing unheard until one does");
     server_.end();
     QSignalSpy reports(&stage.window.player().streamPlayback(), &StreamPlayback::statusChanged);
-    QTRY_VERIFY_WITH_TIMEOUT(reports.size() >= 3, soundTime);
+    QTRY_VERIFY_WITH_TIMEOUT(reports.size() >= 3, Stage::soundTime);
     server_.start();
     SoundRecorder again;
-    QTRY_VERIFY_WITH_TIMEOUT(levelOf(again.last(excerpt)) > 0, soundTime);
+    QTRY_VERIFY_WITH_TIMEOUT(levelOf(again.last(excerpt)) > 0, Stage::soundTime);
     again.next(second);
     QCOMPARE_LT(peakOf(again.samples(0)), 0.125);
     QCOMPARE(stage.statuses, healthy);
@@ -293,25 +281,25 @@ void TestSound::silenceIsImmediate()
     constexpr std::size_t longest = second / 5;
     constexpr qsizetype reading = second / 50;
     SoundRecorder recorder;
-    auto stage = std::make_unique<Stage>(radio_.address(), recorder);
+    auto stage = std::make_unique<SoundStage>(radio_.address(), recorder);
     QVERIFY(stage->plays(tone.address(u"/tone"_s)));
     recorder.next(second);
 
     const qsizetype pause = recorder.size();
-    stage->press(u"transportPlayButton"_s);
+    stage->click(u"transportPlayButton"_s);
     const std::size_t end = heard(recorder.next(second / 2));
     QCOMPARE_LT(end, longest);
     const double stopped =
         secondsAt(recorder.samples(pause + static_cast<qsizetype>(end) - reading, reading));
     const qsizetype resume = recorder.size();
-    stage->press(u"transportPlayButton"_s);
+    stage->click(u"transportPlayButton"_s);
     recorder.next(second / 2);
     const Samples resumed = recorder.samples(resume);
     const auto first = std::find_if(resumed.begin(), resumed.end(), [](double value) { return value != 0; });
     QCOMPARE_GT(resumed.end() - first, reading);
     QCOMPARE_LT(std::abs(secondsAt(Samples(first, first + reading)) - stopped), 0.1);
 
-    stage->press(u"transportStopButton"_s);
+    stage->click(u"transportStopButton"_s);
     QCOMPARE_LT(heard(recorder.next(second)), longest);
     QVERIFY(stage->plays(tone.address(u"/tone"_s)));
     stage.reset();

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void candidates_data();
     void candidates();
     void deadCandidatesLeaveTime();
+    void whatIsNoStreamIsFoundOut();
     void playlistsDoNotMultiply();
 };
 
@@ -44,7 +45,8 @@ void TestStreamResolver::kinds_data()
     QTest::newRow("pls") << QByteArray("\xef\xbb\xbf\r\n[PlayList]\nFile1=") << Playlist::Kind::Playlist;
     QTest::newRow("m3u") << QByteArray("#EXTM3U\n") << Playlist::Kind::Playlist;
     QTest::newRow("bare lines") << QByteArray("http://h/a\n") << Playlist::Kind::Playlist;
-    QTest::newRow("web page") << QByteArray("<!DOCTYPE html>") << Playlist::Kind::Markup;
+    QTest::newRow("web page") << QByteArray("<!DOCTYPE html>") << Playlist::Kind::Text;
+    QTest::newRow("message") << QByteArray("Closed for the night") << Playlist::Kind::Text;
     QTest::newRow("frame that begins like a page") << QByteArray("<\x00\xff\xfb", 4) << Playlist::Kind::Media;
     QTest::newRow("frame that begins like a list") << QByteArray("#EXT\x01\x02") << Playlist::Kind::Media;
     QTest::newRow("Ogg") << QByteArray("OggS\0\2", 6) << Playlist::Kind::Media;
@@ -166,6 +168,23 @@ void TestStreamResolver::deadCandidatesLeaveTime()
     // Nobody refuses the first one; its share of the time runs out.
     QTRY_COMPARE_WITH_TIMEOUT(found.size(), 2, 2000);
     QCOMPARE(found.at(1).at(0).toUrl().path(), u"/live"_s);
+}
+
+/// Though nobody refuses it: long before its share of the time has run out.
+void TestStreamResolver::whatIsNoStreamIsFoundOut()
+{
+    ScriptedServer server;
+    server.script("/note", "HTTP/1.0 200 OK\r\n\r\nClosed for the night");
+    server.script("/sound", sound, ScriptedServer::After::StayOpen);
+    server.scriptBody("/list",
+                      server.address(u"/note\n"_s).toLatin1() + server.address(u"/sound"_s).toLatin1());
+    StreamResolver resolver(QUrl(server.address(u"/list"_s)), std::chrono::minutes(1));
+    const QSignalSpy found(&resolver, &StreamResolver::streamFound);
+    const QSignalSpy dropped(&resolver, &StreamResolver::streamDropped);
+    resolver.start();
+    QTRY_COMPARE(found.size(), 2);
+    QCOMPARE(found.at(1).at(0).toUrl().path(), u"/sound"_s);
+    QCOMPARE(dropped.size(), 1);
 }
 
 void TestStreamResolver::playlistsDoNotMultiply()

@@ -137,6 +137,7 @@ void MpvItem::begin()
     const auto timeout = std::chrono::milliseconds(static_cast<qint64>(request_.timeout * 1000));
     resolver_ = std::make_unique<StreamResolver>(request_.url, timeout);
     connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
+    connect(resolver_.get(), &StreamResolver::streamDropped, this, [this] { handle_->command({"stop"}); });
     connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail);
     resolver_->start();
 }
@@ -197,6 +198,11 @@ void MpvItem::handle(const mpv_event &event)
         if (!started_ && player_ != nullptr) {
             started_ = true;
             player_->setStatus(BackendPlayer::ReadyToPlay);
+        }
+        break;
+    case MPV_EVENT_FILE_LOADED:
+        if (resolver_) {
+            resolver_->accepted();
         }
         break;
     case MPV_EVENT_PROPERTY_CHANGE:
