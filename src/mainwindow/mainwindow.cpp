@@ -72,7 +72,6 @@ void MainWindow::bindTransport()
     for (QToolButton *button : {ui_->transportPlayButton, ui_->transportStopButton}) {
         connect(button, &QToolButton::clicked, player_.get(),
                 [this, button] { player_->audioRackButtonAction(button); });
-        button->installEventFilter(this);
     }
     connect(&player_->streamPlayback(), &StreamPlayback::runningChanged, this, &MainWindow::showRunning);
     showRunning(false);
@@ -83,7 +82,6 @@ void MainWindow::bindSound(Backend &backend)
     auto *sound = new SoundBinding(*audioPopOver_, backend, state_, this);
     sound->bindCommands(ui_->louderAction, ui_->softerAction, ui_->muteAction);
     sound->bindWheel(ui_->audioButton);
-    ui_->audioButton->installEventFilter(this);
     const auto toggle = [this] { player_->audioButtonAction(ui_->audioButton); };
     connect(ui_->audioButton, &QToolButton::clicked, this, toggle);
     connect(ui_->soundAction, &QAction::triggered, this, toggle);
@@ -111,6 +109,7 @@ void MainWindow::bindSearch()
 void MainWindow::bindMenus()
 {
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
+    qApp->installEventFilter(this);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
     connect(ui_->stopAction, &QAction::triggered, ui_->transportStopButton, &QToolButton::click);
     connect(ui_->findAction, &QAction::triggered, this, [this] {
@@ -148,7 +147,7 @@ void MainWindow::paintEvent(QPaintEvent *event)
 /// The space bar presses a button that has the focus, as everywhere; elsewhere it plays and pauses.
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::ShortcutOverride &&
+    if (event->type() == QEvent::ShortcutOverride && qobject_cast<QAbstractButton *>(watched) != nullptr &&
         static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space) {
         event->accept();
         return true;

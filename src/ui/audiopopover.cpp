@@ -1,7 +1,6 @@
 #include "ui/audiopopover.h"
 
 #include "ui/levelslider.h"
-#include "ui/svgicon.h"
 #include "ui_audiopopover.h"
 
 #include <cstdlib>
@@ -44,7 +43,7 @@ void AudioPopover::makeControls()
         settings.muted = false;
         setSettings(settings);
     });
-    connect(ui_->muteButton, &QToolButton::toggled, this, [this](bool muted) {
+    connect(ui_->muteButton, &QPushButton::toggled, this, [this](bool muted) {
         SoundSettings settings = settings_;
         settings.muted = muted;
         setSettings(settings);
@@ -80,9 +79,6 @@ void AudioPopover::showSettings()
     if (!ui_) {
         return;
     }
-    const QColor ink = palette().color(QPalette::WindowText);
-    ui_->muteButton->setIcon(
-        svgIcon(settings_.muted ? QStringLiteral("volume-muted") : QStringLiteral("volume"), ink));
     const QSignalBlocker quietVolume(ui_->volumeSlider);
     ui_->muteButton->setChecked(settings_.muted);
     ui_->volumeSlider->setValue(settings_.volume);

@@ -7,10 +7,10 @@
 
 #include <QDataStream>
 #include <QFile>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
-#include <QToolButton>
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -73,7 +73,7 @@ struct SoundStage : Stage
     }
 
     void set(const QString &slider, int value) { window.findChild<QSlider *>(slider)->setValue(value); }
-    void press(const QString &button) { window.findChild<QToolButton *>(button)->click(); }
+    void press(const QString &button) { window.findChild<QPushButton *>(button)->click(); }
     /// Whether the stream comes to be heard.
     bool plays(const QString &address)
     {

@@ -146,7 +146,12 @@ void TestSoundBinding::controlsSetTheSound()
         {"two steps down", wheel(-240), {.volume = 80}},
         {"mute", control(Qt::Key_M), {.volume = 80, .muted = true}},
         {"mute again", press("muteButton"), {.volume = 80}},
-        {"mute once more", press("muteButton"), {.volume = 80, .muted = true}},
+        {"mute by the space bar",
+         [&] {
+             stage.find(u"muteButton"_s)->setFocus();
+             QTest::keyClick(stage.find(u"muteButton"_s), Qt::Key_Space);
+         },
+         {.volume = 80, .muted = true}},
         {"home, which is heard", onSlider("volumeSlider", Qt::Key_Home), {.volume = 0}},
         {"softer at the bottom", control(Qt::Key_Down), {.volume = 0}},
         {"bass up", onSlider("bassSlider", Qt::Key_Right), {.volume = 0, .bass = 1}},
