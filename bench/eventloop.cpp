@@ -3,9 +3,9 @@
 // behind.
 
 #include "app/allocator.h"
-#include "app/environment.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
+#include "readenvironment.h"
 #include "ui/look.h"
 #include "ui/rvtableview.h"
 
@@ -145,12 +145,7 @@ private:
 int main(int argc, char *argv[])
 {
     returnFreedMemory();
-    const auto environment = Environment::from(QProcessEnvironment::systemEnvironment());
-    if (const auto *refusal = std::get_if<QString>(&environment)) {
-        std::fprintf(stderr, "%s\n", qPrintable(*refusal));
-        return 2;
-    }
-    const auto &[endpoints, audioOutput, pausedBufferBytes] = std::get<Environment>(environment);
+    const auto [endpoints, audioOutput, pausedBufferBytes] = readEnvironment();
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");

@@ -2,9 +2,9 @@
 // --empty a window that holds nothing but a table of 500 rows. With --stay as well the empty window stays
 // open.
 
-#include "app/environment.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
+#include "readenvironment.h"
 #include "ui/look.h"
 
 #include <QApplication>
@@ -56,12 +56,7 @@ int runEmpty(int argc, char **argv)
 
 int runReal(int argc, char **argv)
 {
-    const auto environment = Environment::from(QProcessEnvironment::systemEnvironment());
-    if (const auto *refusal = std::get_if<QString>(&environment)) {
-        std::fprintf(stderr, "%s\n", qPrintable(*refusal));
-        return 2;
-    }
-    const auto &[endpoints, audioOutput, pausedBufferBytes] = std::get<Environment>(environment);
+    const auto [endpoints, audioOutput, pausedBufferBytes] = readEnvironment();
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     applyLook(application);
