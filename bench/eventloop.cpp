@@ -108,7 +108,7 @@ private:
         doubleClick(++done_ % rows);
         if (done_ == clicks) {
             clicking_.stop();
-            report("200 double clicks", watch_.longest());
+            report(QByteArray::number(clicks) + " double clicks", watch_.longest());
             QTimer::singleShot(restTime, this, [this] {
                 reportStation("the last of them");
                 std::_Exit(0);

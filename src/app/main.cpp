@@ -68,8 +68,8 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         window.show();
         status = QApplication::exec();
         window.hide();
+        boundEnding(status);
     }
-    boundEnding(status);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return status;
 }

@@ -79,18 +79,18 @@ void MainWindow::bindTransport()
 
 void MainWindow::bindSound(Backend &backend)
 {
-    auto *sound = new SoundBinding(*audioPopOver_, backend, state_, this);
-    sound->bindCommands(ui_->louderAction, ui_->softerAction, ui_->muteAction);
-    sound->bindWheel(ui_->audioButton);
+    soundBinding_ = std::make_unique<SoundBinding>(*audioPopOver_, backend, state_);
+    soundBinding_->bindCommands(ui_->louderAction, ui_->softerAction, ui_->muteAction);
+    soundBinding_->bindWheel(ui_->audioButton);
     const auto toggle = [this] { player_->audioButtonAction(ui_->audioButton); };
     connect(ui_->audioButton, &QToolButton::clicked, this, toggle);
     connect(ui_->soundAction, &QAction::triggered, this, toggle);
-    const auto showMuted = [this](const SoundSettings &settings) {
+    const auto showMuted = [this](bool muted) {
         ui_->audioButton->setIcon(
-            svgIcon(settings.muted ? QStringLiteral("volume-muted") : QStringLiteral("volume"), boxInk));
+            svgIcon(muted ? QStringLiteral("volume-muted") : QStringLiteral("volume"), boxInk));
     };
-    connect(audioPopOver_, &AudioPopover::settingsChanged, this, showMuted);
-    showMuted(audioPopOver_->settings());
+    connect(ui_->muteAction, &QAction::toggled, this, showMuted);
+    showMuted(ui_->muteAction->isChecked());
 }
 
 void MainWindow::bindSearch()

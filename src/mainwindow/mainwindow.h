@@ -46,6 +46,7 @@ private:
     std::unique_ptr<Ui::MainWindow> ui_;
     StateFile state_;
     AudioPopover *audioPopOver_;
+    std::unique_ptr<SoundBinding> soundBinding_;
     std::unique_ptr<Player> player_;
     bool painted_ = false;
 };

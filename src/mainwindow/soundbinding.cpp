@@ -19,9 +19,8 @@ constexpr std::array<std::pair<QLatin1StringView, int SoundSettings::*>, 4> stor
 constexpr QLatin1StringView storedMute("sound/muted");
 } // namespace
 
-SoundBinding::SoundBinding(AudioPopover &popover, Backend &backend, StateFile &state, QObject *parent)
-    : QObject(parent)
-    , popover_(popover)
+SoundBinding::SoundBinding(AudioPopover &popover, Backend &backend, StateFile &state)
+    : popover_(popover)
     , state_(state)
 {
     popover_.setSettings(stored());

@@ -18,7 +18,7 @@ class SoundBinding : public QObject
 
 public:
     /// All must outlive this object. Sets what the file has kept.
-    SoundBinding(AudioPopover &popover, Backend &backend, StateFile &state, QObject *parent = nullptr);
+    SoundBinding(AudioPopover &popover, Backend &backend, StateFile &state);
 
     /// The commands of the menu; `mute` is checkable.
     void bindCommands(QAction *louder, QAction *softer, QAction *mute);

@@ -60,6 +60,9 @@ void StreamResolver::start()
 
 void StreamResolver::refused()
 {
+    if (handedOut_.isEmpty()) {
+        return;
+    }
     doubt_.stop();
     if (current_.trusted) {
         current_.trusted = false;
@@ -71,8 +74,15 @@ void StreamResolver::refused()
 
 void StreamResolver::accepted()
 {
+    if (handedOut_.isEmpty()) {
+        return;
+    }
     doubt_.stop();
     endLook();
+    if (share_.isActive()) {
+        // A server without a burst needs a while until there is enough to begin with.
+        share_.start(std::max(shortestShare, timeLeft() / 2));
+    }
 }
 
 void StreamResolver::next()
@@ -109,6 +119,10 @@ void StreamResolver::lookUpName()
         return;
     }
     lookup_ = QHostInfo::lookupHost(name, this, [this](const QHostInfo &info) {
+        // An answer that is on its way when its lookup is dropped still comes.
+        if (info.lookupId() != lookup_) {
+            return;
+        }
         lookup_ = noLookup;
         if (info.error() == QHostInfo::NoError) {
             handOut(current_.url);
@@ -132,8 +146,12 @@ void StreamResolver::shareTime()
         share_.stop();
         return;
     }
-    const auto left = timeout_ - std::chrono::milliseconds(elapsed_.elapsed());
-    share_.start(std::max(shortestShare, left / static_cast<int>(waiting_.size() + 1)));
+    share_.start(std::max(shortestShare, timeLeft() / static_cast<int>(waiting_.size() + 1)));
+}
+
+std::chrono::milliseconds StreamResolver::timeLeft() const
+{
+    return timeout_ - std::chrono::milliseconds(elapsed_.elapsed());
 }
 
 void StreamResolver::look()
@@ -174,6 +192,8 @@ void StreamResolver::judge(bool complete)
         }
         break;
     case Playlist::Kind::Text:
+        // Also beside a stream that the player has not taken yet: a server that turns a second connection
+        // away says so by its status.
         next();
         break;
     case Playlist::Kind::Media:

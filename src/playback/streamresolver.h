@@ -44,7 +44,7 @@ public:
     void start();
     /// The stream handed out last could not be played; goes on.
     void refused();
-    /// The stream handed out last has been taken for sound.
+    /// The stream handed out last has been taken for sound, though it has not been heard yet.
     void accepted();
 
 Q_SIGNALS:
@@ -65,6 +65,7 @@ private:
 
     void next();
     void shareTime();
+    std::chrono::milliseconds timeLeft() const;
     void lookUpName();
     void dropName();
     void look();

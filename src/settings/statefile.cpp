@@ -65,7 +65,7 @@ void StateFile::setValue(QAnyStringView key, const QVariant &value)
 
 QString StateFile::path()
 {
-    // The base directory specification: a relative path is to be ignored.
+    // A relative path counts as none.
     QString folder = qEnvironmentVariable("XDG_STATE_HOME");
     if (!QDir::isAbsolutePath(folder)) {
         folder = QDir::homePath() + QStringLiteral("/.local/state");

@@ -43,7 +43,7 @@ void LevelSlider::mouseReleaseEvent(QMouseEvent *event)
 
 void LevelSlider::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (minimum() < 0) {
+    if (event->button() == Qt::LeftButton && minimum() < 0) {
         setValue(0);
     } else {
         mousePressEvent(event);

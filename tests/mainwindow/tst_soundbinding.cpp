@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QSettings>
@@ -61,7 +62,11 @@ class TestSoundBinding : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QFile::remove(StateFile::path()); }
+    void init()
+    {
+        QFile::remove(StateFile::path());
+        QDir().mkpath(QFileInfo(StateFile::path()).path());
+    }
     void popoverOpensInsideTheWindow();
     void popoverStaysAndCloses();
     void controlsSetTheSound();

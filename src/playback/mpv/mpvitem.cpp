@@ -69,8 +69,12 @@ MpvItem::MpvItem(const StreamRequest &request, const MpvConditions &conditions,
     , conditions_(conditions)
     , handle_(std::move(handle))
     , outputRetry_(this)
+    , pauseDelay_(this)
     , dry_(this)
 {
+    pauseDelay_.setSingleShot(true);
+    pauseDelay_.setInterval(longestPauseDelay);
+    connect(&pauseDelay_, &QTimer::timeout, this, &MpvItem::applyRate);
     dry_.setSingleShot(true);
     dry_.setInterval(queuedSound);
     connect(&dry_, &QTimer::timeout, this, &MpvItem::judgeDryBuffer);
@@ -106,14 +110,14 @@ void MpvItem::setRunning(bool running)
     handle_->setInteger("demuxer-max-bytes", running ? playingBufferBytes : conditions_.pausedBufferBytes);
     // Loading that rests goes on, up to the new limit, only once something has been taken out of the buffer:
     // a pause waits for that.
-    pauseWaits_ = !running && loadingRests_;
-    if (pauseWaits_) {
-        QTimer::singleShot(longestPauseDelay, this, &MpvItem::applyRate);
+    if (!running && loadingRests_) {
+        pauseDelay_.start();
     } else {
         applyRate();
     }
     if (running) {
         offerRanges();
+        watchDryBuffer();
     }
     if (running && ended_) {
         // What ran out during the pause is reported when its sound is missed.
@@ -137,7 +141,7 @@ void MpvItem::begin()
     const auto timeout = std::chrono::milliseconds(static_cast<qint64>(request_.timeout * 1000));
     resolver_ = std::make_unique<StreamResolver>(request_.url, timeout);
     connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
-    connect(resolver_.get(), &StreamResolver::streamDropped, this, [this] { handle_->command({"stop"}); });
+    connect(resolver_.get(), &StreamResolver::streamDropped, this, &MpvItem::drop);
     connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail);
     resolver_->start();
 }
@@ -153,6 +157,14 @@ void MpvItem::load(const QUrl &stream)
     handle_->command(command, ++loads_);
 }
 
+/// What libmpv still has to say of the stream belongs to nobody.
+void MpvItem::drop()
+{
+    entry_.reset();
+    ++loads_;
+    handle_->command({"stop"});
+}
+
 void MpvItem::fail()
 {
     if (player_ != nullptr) {
@@ -163,6 +175,7 @@ void MpvItem::fail()
 void MpvItem::shutDown()
 {
     outputRetry_.stop();
+    pauseDelay_.stop();
     dry_.stop();
     soundControl_.reset();
     handle_.reset();
@@ -201,9 +214,12 @@ void MpvItem::handle(const mpv_event &event)
         }
         break;
     case MPV_EVENT_FILE_LOADED:
-        if (resolver_) {
+        if (resolver_ && entry_) {
             resolver_->accepted();
         }
+        break;
+    case MPV_EVENT_AUDIO_RECONFIG:
+        soundControl_->restore();
         break;
     case MPV_EVENT_PROPERTY_CHANGE:
         propertyChanged(*static_cast<const mpv_event_property *>(event.data));
@@ -255,7 +271,7 @@ void MpvItem::outputChanged(const QByteArray &name)
 /// The core rests until its output is open and has the right level.
 void MpvItem::applyRate()
 {
-    pauseWaits_ = false;
+    pauseDelay_.stop();
     if (handle_ && outputOpen_) {
         handle_->setFlag("pause", !running_);
     }
@@ -290,17 +306,23 @@ void MpvItem::cacheChanged(const mpv_node &state)
             QVariant::fromValue(BackendItem::TimeRange{secondsAt(state, "reader-pts"), rangesEnd_}));
     }
     loadingRests_ = flagAt(state, "idle") && !flagAt(state, "eof");
-    if (pauseWaits_ && !loadingRests_) {
+    if (pauseDelay_.isActive() && !loadingRests_) {
         applyRate();
     }
     offerRanges();
     if (!handle_) {
         return;
     }
-    if (!running_ && !pauseWaits_ && loadingRests_) {
+    if (!running_ && !pauseDelay_.isActive() && loadingRests_) {
         reportFull(numberAt(state, "fw-bytes"));
     }
-    if (running_ && sounded_ && conditions_.inTime && flagAt(state, "underrun") && !dry_.isActive()) {
+    underrun_ = flagAt(state, "underrun");
+    watchDryBuffer();
+}
+
+void MpvItem::watchDryBuffer()
+{
+    if (running_ && sounded_ && conditions_.inTime && underrun_ && !dry_.isActive()) {
         dryEnd_ = rangesEnd_;
         dry_.start();
     }

@@ -39,6 +39,7 @@ public:
 private:
     void begin();
     void load(const QUrl &stream);
+    void drop();
     void fail();
     void shutDown();
     void scheduleDrain();
@@ -49,6 +50,7 @@ private:
     void applyRate();
     void soundStarted();
     void cacheChanged(const mpv_node &state);
+    void watchDryBuffer();
     void judgeDryBuffer();
     void streamEnded(const mpv_event_end_file &end);
     void offerRanges();
@@ -73,8 +75,8 @@ private:
     std::optional<qint64> entry_;
     bool begun_ = false;
     bool running_ = false;
-    /// A pause that begins as soon as loading has gone on; see setRunning().
-    bool pauseWaits_ = false;
+    /// Runs while a pause waits for loading to go on; see setRunning().
+    QTimer pauseDelay_;
     /// Nothing is being loaded, because the buffer holds what it may.
     bool loadingRests_ = false;
     bool started_ = false;
@@ -90,5 +92,6 @@ private:
     /// Runs from when the buffer is dry until the output has played what it has queued; and where the buffer
     /// ended then.
     QTimer dry_;
+    bool underrun_ = false;
     double dryEnd_ = 0;
 };

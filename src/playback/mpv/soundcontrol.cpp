@@ -38,9 +38,24 @@ void SoundControl::outputOpened(const QByteArray &name)
     open_ = true;
     // Of other outputs it is the sound card's own level, or one on another scale.
     atServer_ = name == "pulse";
+    if (atServer_) {
+        handle_.setNumber("volume", SoundSettings::loudest);
+    }
+    restore();
+}
+
+void SoundControl::restore()
+{
+    if (!open_) {
+        return;
+    }
     levelTimer_.stop();
-    handle_.setNumber("volume", SoundSettings::loudest);
     setLevel(sound_.settings().amplitude());
+    for (const Band &band : bands_) {
+        if (band.present) {
+            sendGain(band);
+        }
+    }
 }
 
 void SoundControl::change()
@@ -92,7 +107,7 @@ void SoundControl::setGain(Band &band, int gain)
     }
     band.gain = gain;
     if (band.present) {
-        handle_.command({"af-command", band.label, "gain", QByteArray::number(gain)});
+        sendGain(band);
     } else {
         // One thread: handing a few samples to others costs more than filtering them.
         handle_.command({"af", "add",
@@ -100,4 +115,9 @@ void SoundControl::setGain(Band &band, int gain)
                              ":gain=" + QByteArray::number(gain) + "]:o=\"threads=1\""});
         band.present = true;
     }
+}
+
+void SoundControl::sendGain(const Band &band)
+{
+    handle_.command({"af-command", band.label, "gain", QByteArray::number(band.gain)});
 }

@@ -22,6 +22,8 @@ public:
 
     /// The core has opened the output of that name, and begins to play through it: the level is set at once.
     void outputOpened(const QByteArray &name);
+    /// The core has changed its filters or its output's format: both begin again as they were made.
+    void restore();
 
 private:
     /// One of libmpv's filters, which is put in when it is first needed: at rest it would cost processor
@@ -41,6 +43,7 @@ private:
     void stepTone();
     void setLevel(double amplitude);
     void setGain(Band &band, int gain);
+    void sendGain(const Band &band);
 
     MpvHandle &handle_;
     const ListenerSound &sound_;
