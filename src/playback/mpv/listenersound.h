@@ -11,6 +11,7 @@ class ListenerSound : public QObject
 
 public:
     const SoundSettings &settings() const { return settings_; }
+    /// Values out of range are brought into it; signals a real change only.
     void setSettings(const SoundSettings &settings);
 
 Q_SIGNALS:

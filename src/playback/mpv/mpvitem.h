@@ -92,6 +92,7 @@ private:
     /// Runs from when the buffer is dry until the output has played what it has queued; and where the buffer
     /// ended then.
     QTimer dry_;
-    bool underrun_ = false;
     double dryEnd_ = 0;
+    /// The core has asked for sound that is not there.
+    bool underrun_ = false;
 };
