@@ -1,6 +1,14 @@
 #include "directory/attributemap.h"
 
+#include <QDataStream>
 #include <utility>
+
+namespace {
+bool isBlock(const QByteArray &texts)
+{
+    return texts.isEmpty() || texts.endsWith('\0');
+}
+} // namespace
 
 AttributeMap::AttributeMap(QByteArray names, QByteArray values)
     : names_(std::move(names))
@@ -23,4 +31,22 @@ std::optional<QByteArrayView> AttributeMap::value(QByteArrayView name) const
         value += text.size() + 1;
     }
     return std::nullopt;
+}
+
+QDataStream &operator<<(QDataStream &stream, const AttributeMap &map)
+{
+    return stream << map.names_ << map.values_;
+}
+
+QDataStream &operator>>(QDataStream &stream, AttributeMap &map)
+{
+    QByteArray names;
+    QByteArray values;
+    stream >> names >> values;
+    const bool matching = isBlock(names) && isBlock(values) && names.count('\0') == values.count('\0');
+    if (!matching) {
+        stream.setStatus(QDataStream::ReadCorruptData);
+    }
+    map = matching ? AttributeMap(names, values) : AttributeMap();
+    return stream;
 }

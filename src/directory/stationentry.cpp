@@ -2,6 +2,8 @@
 
 #include "directory/leadinginteger.h"
 
+#include <QDataStream>
+
 StationEntry StationEntry::withNumbers() const
 {
     StationEntry entry(attributes_);
@@ -32,4 +34,24 @@ std::optional<qint64> StationEntry::number(QLatin1StringView attribute) const
 {
     const auto value = attributes_.value(attribute);
     return value ? std::optional(leadingInteger(QString::fromUtf8(*value))) : std::nullopt;
+}
+
+QDataStream &operator<<(QDataStream &stream, const StationEntry &entry)
+{
+    return stream << entry.attributes_ << entry.listener_.has_value() << entry.listener_.value_or(0)
+                  << entry.bitrate_.has_value() << entry.bitrate_.value_or(0);
+}
+
+QDataStream &operator>>(QDataStream &stream, StationEntry &entry)
+{
+    const auto readNumber = [&stream](std::optional<qint64> &number) {
+        bool present = false;
+        qint64 value = 0;
+        stream >> present >> value;
+        number = present ? std::optional(value) : std::nullopt;
+    };
+    stream >> entry.attributes_;
+    readNumber(entry.listener_);
+    readNumber(entry.bitrate_);
+    return stream;
 }

@@ -30,6 +30,10 @@ public:
     /// The text under `key`; null where the entry has none.
     QString text(QLatin1StringView key) const;
 
+    friend QDataStream &operator<<(QDataStream &stream, const StationEntry &entry);
+    /// Marks the stream as corrupt where it holds no entry.
+    friend QDataStream &operator>>(QDataStream &stream, StationEntry &entry);
+
 private:
     std::optional<qint64> number(QLatin1StringView attribute) const;
 
