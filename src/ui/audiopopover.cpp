@@ -23,15 +23,7 @@ AudioPopover::AudioPopover(QWidget *window)
 
 AudioPopover::~AudioPopover() = default;
 
-bool AudioPopover::event(QEvent *event)
-{
-    if (event->type() == QEvent::Polish && !ui_) {
-        makeControls();
-    }
-    return Popover::event(event);
-}
-
-void AudioPopover::makeControls()
+void AudioPopover::makeContent()
 {
     ui_ = std::make_unique<Ui::AudioPopover>();
     ui_->setupUi(this);

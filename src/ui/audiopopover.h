@@ -25,13 +25,13 @@ public:
     /// Shows `settings`, which must be in range, and signals them where they differ.
     void setSettings(const SoundSettings &settings);
 
-    bool event(QEvent *event) override;
-
 Q_SIGNALS:
     void settingsChanged(const SoundSettings &settings);
 
+protected:
+    void makeContent() override;
+
 private:
-    void makeControls();
     void bindBand(LevelSlider *slider, int SoundSettings::*setting);
     void showSettings();
 

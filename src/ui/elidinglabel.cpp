@@ -5,7 +5,9 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QTextLayout>
 #include <QToolTip>
+#include <algorithm>
 
 ElidingLabel::ElidingLabel(QWidget *parent)
     : QLabel(parent)
@@ -13,14 +15,22 @@ ElidingLabel::ElidingLabel(QWidget *parent)
     setTextFormat(Qt::PlainText);
 }
 
+void ElidingLabel::setLines(int lines)
+{
+    lines_ = std::max(1, lines);
+    updateGeometry();
+    update();
+}
+
 QSize ElidingLabel::minimumSizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 8, QLabel::minimumSizeHint().height()};
+    const int moreLines = (lines_ - 1) * fontMetrics().lineSpacing();
+    return {fontMetrics().averageCharWidth() * 8, QLabel::minimumSizeHint().height() + moreLines};
 }
 
 bool ElidingLabel::event(QEvent *event)
 {
-    if (event->type() == QEvent::ToolTip && isElided()) {
+    if (event->type() == QEvent::ToolTip && !fits(brokenLines().last())) {
         QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
         return true;
     }
@@ -30,12 +40,35 @@ bool ElidingLabel::event(QEvent *event)
 void ElidingLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
-    style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(),
-                          shown, foregroundRole());
+    QStringList lines = brokenLines();
+    lines.last() = fontMetrics().elidedText(lines.last(), Qt::ElideRight, contentsRect().width());
+    // The text is read in its own direction, whichever way the window is; only its side is the window's.
+    painter.setLayoutDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    const auto side = QStyle::visualAlignment(layoutDirection(), alignment()) | Qt::AlignAbsolute;
+    style()->drawItemText(&painter, contentsRect(), static_cast<int>(side), palette(), isEnabled(),
+                          lines.join(u'\n'), foregroundRole());
 }
 
-bool ElidingLabel::isElided() const
+QStringList ElidingLabel::brokenLines() const
 {
-    return fontMetrics().horizontalAdvance(text()) > contentsRect().width();
+    QStringList lines;
+    QString rest = text();
+    QTextOption wrapping;
+    wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    while (lines.size() < lines_ - 1 && !fits(rest)) {
+        QTextLayout layout(rest, font());
+        layout.setTextOption(wrapping);
+        layout.beginLayout();
+        QTextLine line = layout.createLine();
+        line.setLineWidth(contentsRect().width());
+        layout.endLayout();
+        lines.append(rest.left(line.textLength()).trimmed());
+        rest = rest.mid(line.textLength());
+    }
+    return lines << rest;
+}
+
+bool ElidingLabel::fits(const QString &line) const
+{
+    return fontMetrics().horizontalAdvance(line) <= contentsRect().width();
 }

@@ -1,15 +1,19 @@
 #pragma once
 
 #include <QLabel>
+#include <QStringList>
 
-/// A label of one line of plain text. What does not fit is elided, so that the width of a text never moves
-/// its neighbours; the tooltip then shows the whole.
+/// A label of one line of plain text, or of a few. What does not fit is elided, so that the width of a text
+/// never moves its neighbours; the tooltip then shows the whole.
 class ElidingLabel : public QLabel
 {
     Q_OBJECT
 
 public:
     explicit ElidingLabel(QWidget *parent = nullptr);
+
+    /// Lets the text wrap at blanks over up to `lines` lines, 1 or more; the last one is elided.
+    void setLines(int lines);
 
     QSize minimumSizeHint() const override;
 
@@ -18,5 +22,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    bool isElided() const;
+    /// All lines, the last one with the rest of the text whether or not it fits.
+    QStringList brokenLines() const;
+    bool fits(const QString &line) const;
+
+    int lines_ = 1;
 };

@@ -1,7 +1,7 @@
 #include "ui/popover.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QHideEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QShortcut>
@@ -29,14 +29,21 @@ Popover::Popover(QWidget *window)
     setFocusPolicy(Qt::ClickFocus);
     auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     connect(escape, &QShortcut::activated, this, &QWidget::close);
+    // There is one for each popover that is open; they share the key.
+    connect(escape, &QShortcut::activatedAmbiguously, this, &Popover::closeTopmost);
     window->installEventFilter(this);
 }
 
-void Popover::showRelativeTo(const QRect &rectangle, QWidget *view)
+void Popover::showRelativeTo(const QRect &rectangle, QWidget *view, Side preferred)
 {
+    preferred_ = preferred;
     rectangle_ = rectangle;
     view_ = view;
     focusBefore_ = QApplication::focusWidget();
+    if (!hasContent_) {
+        hasContent_ = true;
+        makeContent();
+    }
     ensurePolished();
     adjustSize();
     place();
@@ -50,26 +57,52 @@ void Popover::place()
     const QRect anchor(view_->mapTo(parentWidget(), rectangle_.topLeft()), rectangle_.size());
     const QRect room =
         parentWidget()->rect().adjusted(windowMargin, windowMargin, -windowMargin, -windowMargin);
-    below_ = anchor.bottom() + height() <= room.bottom() || anchor.top() - height() < room.top();
+    const bool fitsBelow = anchor.bottom() + height() <= room.bottom();
+    const bool fitsAbove = anchor.top() - height() >= room.top();
+    below_ = preferred_ == Side::Below ? fitsBelow || !fitsAbove : fitsBelow && !fitsAbove;
     QRect card(QPoint(), size());
     card.moveCenter(anchor.center());
     card.moveLeft(std::clamp(card.left(), room.left(), std::max(room.left(), room.right() - card.width())));
-    if (below_) {
-        card.moveTop(std::max(anchor.bottom(), room.top()));
-    } else {
-        card.moveBottom(anchor.top());
-    }
+    // One that fits on neither side covers its control rather than leave the window.
+    card.moveTop(below_ ? std::min(anchor.bottom(), room.bottom() - card.height())
+                        : anchor.top() - card.height());
+    card.moveTop(std::max(card.top(), room.top()));
     arrowX_ = std::clamp(anchor.center().x() - card.left(), rim + cornerRadius + arrowHalfWidth,
                          card.width() - rim - cornerRadius - arrowHalfWidth);
     move(card.topLeft());
     update();
 }
 
+void Popover::follow(QWidget *view)
+{
+    if (isShown() && view != nullptr) {
+        view_ = view;
+        place();
+    }
+}
+
+void Popover::leave(QWidget *instead)
+{
+    view_ = nullptr;
+    focusBefore_ = instead;
+}
+
+void Popover::closeTopmost()
+{
+    const auto popovers = parentWidget()->findChildren<Popover *>(QString(), Qt::FindDirectChildrenOnly);
+    const auto topmost = std::find_if(popovers.crbegin(), popovers.crend(),
+                                      [](const Popover *popover) { return popover->isShown(); });
+    if (topmost != popovers.crend()) {
+        (*topmost)->close();
+    }
+}
+
 bool Popover::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Resize && isShown() && view_) {
         // The layout has moved the control by the time that this is delivered.
-        QMetaObject::invokeMethod(this, &Popover::place, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { follow(view_); }, Qt::QueuedConnection);
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -101,6 +134,10 @@ void Popover::paintEvent(QPaintEvent *)
 void Popover::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
+    // The window has only been minimised: it comes back as it was.
+    if (event->spontaneous()) {
+        return;
+    }
     if (focusBefore_ &&
         (QApplication::focusWidget() == nullptr || isAncestorOf(QApplication::focusWidget()))) {
         focusBefore_->setFocus();

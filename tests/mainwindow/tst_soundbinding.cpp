@@ -185,6 +185,7 @@ void TestSoundBinding::windowsRememberTheSound()
     const SoundSettings sound{.volume = 45, .muted = true, .bass = 3, .middle = -4, .treble = 12};
     {
         Stage stage;
+        stage.press(u"audioButton"_s);
         stage.find<QSlider>(u"volumeSlider"_s)->setValue(sound.volume);
         stage.find<QSlider>(u"bassSlider"_s)->setValue(sound.bass);
         stage.find<QSlider>(u"middleSlider"_s)->setValue(sound.middle);
@@ -231,6 +232,7 @@ void TestSoundBinding::unwritableFolderCostsALine()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^cannot write .*state.conf$"_s));
     {
         Stage stage;
+        stage.press(u"audioButton"_s);
         stage.press(u"muteButton"_s);
     }
     qputenv("XDG_STATE_HOME", folder);

@@ -1,0 +1,11 @@
+#include "ui/copytext.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+void copyText(const QString &text)
+{
+    if (!text.isEmpty()) {
+        QGuiApplication::clipboard()->setText(text);
+    }
+}

@@ -1,0 +1,50 @@
+#include "ui/passwordfield.h"
+
+#include "ui/svgicon.h"
+
+#include <QStyle>
+#include <QToolButton>
+
+namespace {
+constexpr int buttonSize = 24;
+constexpr int buttonMargin = 4;
+} // namespace
+
+PasswordField::PasswordField(QWidget *parent)
+    : QLineEdit(parent)
+    , revealButton_(new QToolButton(this))
+{
+    revealButton_->setObjectName(QStringLiteral("revealButton"));
+    revealButton_->setCheckable(true);
+    revealButton_->setCursor(Qt::ArrowCursor);
+    revealButton_->setFixedSize(buttonSize, buttonSize);
+    revealButton_->setAccessibleName(tr("Show password"));
+    connect(revealButton_, &QToolButton::toggled, this, &PasswordField::reveal);
+    reveal(false);
+}
+
+void PasswordField::conceal()
+{
+    revealButton_->setChecked(false);
+}
+
+void PasswordField::reveal(bool revealed)
+{
+    setEchoMode(revealed ? Normal : Password);
+    // Shown or not, it is nothing for a dictionary or a list of suggestions.
+    setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
+                        Qt::ImhNoAutoUppercase);
+    revealButton_->setIcon(svgIcon(revealed ? QStringLiteral("eye-off") : QStringLiteral("eye"),
+                                   palette().color(QPalette::Text)));
+    revealButton_->setToolTip(revealed ? tr("Hide password") : tr("Show password"));
+}
+
+void PasswordField::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    const bool mirrored = layoutDirection() == Qt::RightToLeft;
+    setTextMargins(mirrored ? buttonSize + buttonMargin : 0, 0, mirrored ? 0 : buttonSize + buttonMargin, 0);
+    const QRect room = rect().adjusted(buttonMargin, 0, -buttonMargin, 0);
+    revealButton_->setGeometry(QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter,
+                                                   revealButton_->size(), room));
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QLineEdit>
+
+class QToolButton;
+
+/// A line for a password, which stays hidden until the button inside it is pressed.
+class PasswordField : public QLineEdit
+{
+    Q_OBJECT
+
+public:
+    explicit PasswordField(QWidget *parent = nullptr);
+
+    /// Inside the line; in the order of the Tab key its place is after it, which whoever sets one has to say.
+    QToolButton *revealButton() const { return revealButton_; }
+
+    /// Hides what may have been revealed.
+    void conceal();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void reveal(bool revealed);
+
+    QToolButton *revealButton_;
+};
