@@ -2,18 +2,15 @@
 // bytes.
 
 #include "mainwindow/stationtable.h"
+#include "medianmilliseconds.h"
 #include "ui/rvtableview.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <algorithm>
 #include <cstdio>
 #include <expat.h>
 #include <malloc.h>
-#include <vector>
 
 namespace {
-constexpr int rounds = 9;
 /// A successful answer is delivered twice, and so parsed twice.
 constexpr int deliveries = 2;
 
@@ -28,20 +25,6 @@ QByteArray answerOf(int stations)
                   R"(.png" ct="Some Artist - Some Title of a Song" lc=")" + text + "\"/>";
     }
     return answer + "</stationlist>";
-}
-
-template <class Work>
-double medianMilliseconds(const Work &work)
-{
-    std::vector<double> times;
-    for (int round = 0; round < rounds; ++round) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-    }
-    std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
-    return times[rounds / 2];
 }
 
 void parseWithExpatAlone(const QByteArray &answer)
@@ -63,8 +46,8 @@ double heapMegabytes()
 int main(int argc, char *argv[])
 {
     const QApplication application(argc, argv);
-    StationTable stations;
     RVTableView view;
+    StationTable stations(&view);
     view.setModel(&stations);
     view.resize(1180, 600);
     view.show();

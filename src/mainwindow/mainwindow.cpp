@@ -1,7 +1,10 @@
 #include "mainwindow/mainwindow.h"
 
+#include "mainwindow/rackcommands.h"
 #include "mainwindow/soundbinding.h"
+#include "mainwindow/tablecommands.h"
 #include "ui/audiopopover.h"
+#include "ui/stationpopover.h"
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
 
@@ -32,17 +35,23 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
     , audioPopOver_(new AudioPopover(this))
 {
     ui_->setupUi(this);
+    const RackOutlets rack{.myCollectionView = ui_->myCollectionView,
+                           .favoritPopOver = new StationPopover(this, StationPopover::Kind::favourite),
+                           .customRadioEditorPopOver =
+                               new StationPopover(this, StationPopover::Kind::custom)};
     const PlayerOutlets outlets{.myTableView = ui_->myTableView,
                                 .progress = ui_->progress,
                                 .searchField = ui_->searchField,
                                 .playerStatusString = ui_->playerStatusString,
                                 .subtitleStatusString = ui_->subtitleStatusString,
-                                .audioPopOver = audioPopOver_};
+                                .audioPopOver = audioPopOver_,
+                                .rack = rack};
     player_ = std::make_unique<Player>(outlets, endpoints, backend);
     bindTransport();
     bindSound(backend);
     bindMenus();
     bindSearch();
+    bindLists();
     connect(&player_->stationDirectory(), &StationDirectory::busyChanged, this, &MainWindow::showPlaceholder);
     player_->awakeFromNib();
     layOut();
@@ -96,18 +105,34 @@ void MainWindow::bindSound(Backend &backend)
 void MainWindow::bindSearch()
 {
     connect(ui_->searchField, &QLineEdit::returnPressed, player_.get(), &Player::searchForRadio);
-    for (auto *clear : ui_->searchField->findChildren<QToolButton *>()) {
-        clear->setAccessibleName(tr("Clear"));
-        clear->setToolTip(tr("Clear"));
-    }
     QAction *search =
         ui_->searchField->addAction(svgIcon(QStringLiteral("search"), boxInk), QLineEdit::LeadingPosition);
     search->setText(tr("Search"));
     connect(search, &QAction::triggered, player_.get(), &Player::searchForRadio);
+
+    // The toolkit's own button looks through every icon theme for its picture before the window is there.
+    QAction *clear =
+        ui_->searchField->addAction(svgIcon(QStringLiteral("clear"), boxInk), QLineEdit::TrailingPosition);
+    clear->setText(tr("Clear"));
+    clear->setVisible(false);
+    connect(clear, &QAction::triggered, ui_->searchField, &QLineEdit::clear);
+    connect(ui_->searchField, &QLineEdit::textChanged, clear,
+            [clear](const QString &text) { clear->setVisible(!text.isEmpty()); });
+}
+
+void MainWindow::bindLists()
+{
+    ui_->myCollectionView->setPlaceholderText(tr("Drag stations here to keep them, or press Ctrl+D."));
+    tableCommands_ =
+        std::make_unique<TableCommands>(*ui_, player_->stationTable(), player_->rackActions(),
+                                        [this](int row) { return player_->tableItemAddress(row); });
+    rackCommands_ = std::make_unique<RackCommands>(*ui_, player_->favouritesRack(), player_->rackActions());
 }
 
 void MainWindow::bindMenus()
 {
+    connect(ui_->saveRackAction, &QAction::triggered, player_.get(),
+            [this] { player_->menuActions(ui_->saveRackAction); });
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
     qApp->installEventFilter(this);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);

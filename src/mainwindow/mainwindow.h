@@ -7,7 +7,9 @@
 #include <memory>
 
 class AudioPopover;
+class RackCommands;
 class SoundBinding;
+class TableCommands;
 
 namespace Ui {
 class MainWindow;
@@ -39,6 +41,7 @@ private:
     void bindTransport();
     void bindSound(Backend &backend);
     void bindSearch();
+    void bindLists();
     void bindMenus();
     void showRunning(bool running);
     void showPlaceholder(bool busy);
@@ -48,5 +51,7 @@ private:
     AudioPopover *audioPopOver_;
     std::unique_ptr<SoundBinding> soundBinding_;
     std::unique_ptr<Player> player_;
+    std::unique_ptr<TableCommands> tableCommands_;
+    std::unique_ptr<RackCommands> rackCommands_;
     bool painted_ = false;
 };

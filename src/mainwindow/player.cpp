@@ -2,13 +2,17 @@
 
 #include "directory/displaytext.h"
 #include "directory/exception.h"
+#include "mainwindow/dragpayload.h"
 #include "model/rvobject.h"
 #include "playback/tuneinaddress.h"
 #include "ui/popover.h"
 #include "ui/rvtableview.h"
 #include "ui/spinner.h"
+#include "ui/stationpopover.h"
 
 #include <QAbstractButton>
+#include <QAction>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLoggingCategory>
@@ -20,6 +24,15 @@ Q_LOGGING_CATEGORY(lcStatus, "plumtide.status", QtWarningMsg)
 
 constexpr int playPauseTag = 200;
 constexpr int stopTag = 202;
+constexpr int saveTag = 302;
+
+/// Where the rack is kept, in the user's music folder.
+const QString favouritesFolder = QStringLiteral("com.plumtide.folders");
+const QString favouritesFile = QStringLiteral("plumtide.data");
+
+constexpr qreal itemCornerRadius = 8.0;
+constexpr QColor itemBorderGrey(128, 128, 128, 80);
+constexpr qreal itemBorderWidth = 5.0;
 } // namespace
 
 Player::Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
@@ -28,22 +41,65 @@ Player::Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints
     , outlets_(outlets)
     , tuneInBaseAddress_(endpoints.tuneInBaseAddress)
     , directory_(endpoints.service, [this] { return settings_.queryLimit(); })
+    , stationTable_(outlets.myTableView)
     , playback_(backend, [this] { return settings_.timeout(); })
+    , rackActions_(rack_, outlets.rack, [this](const StationEntry &station) {
+        return droppedStationAddress(tuneInBaseAddress_, directory_.radiocallbackData500(), station);
+    })
 {
 }
 
 void Player::awakeFromNib()
 {
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { radioDataChanges(willTerminate); });
+    transformers_.setValueTransformer(std::make_unique<PathTransformer>(), QStringLiteral("PathTransformer"));
+    readRack();
     connectDirectory();
+    connectRack();
     connectPlayback();
-    outlets_.myTableView->setModel(&stationTable_);
-    connect(outlets_.myTableView, &RVTableView::doubleAction, this, &Player::playRadioFromTableItem);
     setTitle(QStringLiteral("idle"));
+    // After the reading: a first start finds nothing, and leaves a folder for the rack to be written into.
+    if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
+        FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
+    }
     directory_.getTop500();
+}
+
+void Player::readRack()
+{
+    const auto stored = favourites_.reaDataFromStorageFolder(favouritesFolder, favouritesFile);
+    rack_.setRadioItemCollectionArray(stored.value_or(StationRecords()));
+}
+
+bool Player::saveRack()
+{
+    return favourites_.saveDataToStorageFolder(favouritesFolder, favouritesFile,
+                                               rack_.radioItemCollectionArray());
+}
+
+void Player::radioDataChanges(QLatin1StringView notification)
+{
+    if (notification == willTerminate) {
+        // Not among what is logged: that is not even computed where the category is silent.
+        const bool saved = saveRack();
+        qCInfo(lcPlayer, "com.ostrel.plumtide.save_data_success %i", saved ? 1 : 0);
+    }
+}
+
+void Player::menuActions(const QAction *sender)
+{
+    if (sender->property("tag").toInt() == saveTag) {
+        saveRack();
+    }
 }
 
 void Player::connectDirectory()
 {
+    RVTableView *table = outlets_.myTableView;
+    table->setModel(&stationTable_);
+    table->setDataSource(&stationTable_);
+    connect(table, &RVTableView::doubleAction, this, &Player::playRadioFromTableItem);
+    table->registerForDraggedTypes({DragPayload::stationType});
     connect(&directory_, &StationDirectory::busyChanged, outlets_.progress, &Spinner::setAnimating);
     connect(&directory_, &StationDirectory::statusChanged, this, &Player::setStatus);
     connect(&directory_, &StationDirectory::stationsReloaded, this, [this] {
@@ -56,6 +112,21 @@ void Player::connectDirectory()
                 directory_.sortRadioData(before);
                 stationTable_.reload(directory_.radioData());
             });
+}
+
+void Player::connectRack()
+{
+    RackView *view = outlets_.rack.myCollectionView;
+    view->setDelegate(&rackActions_);
+    view->registerForDraggedTypes({DragPayload::stationType, DragPayload::tilesType});
+    view->setLevelIndicatorHighlighted(true);
+    view->setItemFrame(itemCornerRadius, itemBorderGrey, itemBorderWidth);
+    view->setRack(&rack_, transformers_);
+    outlets_.rack.favoritPopOver->setTransformers(&transformers_);
+    outlets_.rack.customRadioEditorPopOver->setTransformers(&transformers_);
+    connect(&rackActions_, &RackActions::playRequested, &playback_, &StreamPlayback::playRadioFromURL);
+    connect(&rackActions_, &RackActions::playCustomRequested, &playback_,
+            &StreamPlayback::playRadioCustomWithObject);
 }
 
 void Player::connectPlayback()
@@ -71,6 +142,14 @@ void Player::searchForRadio()
     if (!text.isEmpty()) {
         directory_.getRadioByQuery(RVObject::airAPIFormatStyle(text));
     }
+}
+
+QString Player::tableItemAddress(int row) const
+{
+    const StationList &stations = directory_.radioData();
+    return row >= 0 && row < stations.size()
+               ? tuneInAddress(tuneInBaseAddress_, directory_.radiocallbackData500(), stations.at(row))
+               : QString();
 }
 
 void Player::playRadioFromTableItem()

@@ -1,17 +1,21 @@
 #pragma once
 
 #include "directory/stationdirectory.h"
+#include "mainwindow/rackactions.h"
 #include "mainwindow/stationtable.h"
+#include "model/favouritesrack.h"
+#include "model/favouritesstore.h"
+#include "model/valuetransformers.h"
 #include "playback/streamplayback.h"
 #include "settings/storedsettings.h"
 
 #include <QObject>
 
 class QAbstractButton;
+class QAction;
 class QLabel;
 class QLineEdit;
 class Popover;
-class RVTableView;
 class Spinner;
 
 /// What the window's layout gives the hub to work with. The window owns them all.
@@ -23,6 +27,7 @@ struct PlayerOutlets
     QLabel *playerStatusString;
     QLabel *subtitleStatusString;
     Popover *audioPopOver;
+    RackOutlets rack;
 };
 
 /// Where the directory is found.
@@ -43,12 +48,25 @@ public:
     Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
            QObject *parent = nullptr);
 
-    /// The start of everything: prepares the window and asks for the directory's top stations.
+    /// The notice that the application is about to end.
+    static constexpr QLatin1StringView willTerminate{"ApplicationWillTerminate"};
+
+    /// The start of everything: reads the rack, prepares the window and asks for the directory's top
+    /// stations.
     void awakeFromNib();
+    /// Saves the rack on the notice willTerminate, and says in the log whether that worked; does nothing on
+    /// any other.
+    void radioDataChanges(QLatin1StringView notification);
+    /// The action of the menu items, told apart by their "tag": 302 saves the rack, without a word.
+    void menuActions(const QAction *sender);
 
     // The directory.
     /// Searches for the search field's text; nothing for an empty one.
     void searchForRadio();
+
+    /// The address of the playlist of the station in that row of the table; null where there is none, or no
+    /// tune-in record.
+    QString tableItemAddress(int row) const;
 
     // Playing.
     /// Plays the station in the table's clicked row.
@@ -66,11 +84,17 @@ public:
     /// Private stations are played from the rack, so that this command has nothing of its own to do.
     void playRadioPrivate() {}
 
+    FavouritesRack &favouritesRack() { return rack_; }
+    RackActions &rackActions() { return rackActions_; }
+    StationTable &stationTable() { return stationTable_; }
     StationDirectory &stationDirectory() { return directory_; }
     StreamPlayback &streamPlayback() { return playback_; }
 
 private:
+    void readRack();
+    bool saveRack();
     void connectDirectory();
+    void connectRack();
     void connectPlayback();
     void setTitle(const QString &text);
     void setStatus(const QString &text);
@@ -81,4 +105,8 @@ private:
     StationDirectory directory_;
     StationTable stationTable_;
     StreamPlayback playback_;
+    ValueTransformers transformers_;
+    FavouritesStore favourites_;
+    FavouritesRack rack_;
+    RackActions rackActions_;
 };

@@ -2,11 +2,13 @@
 
 #include "directory/displaytext.h"
 #include "directory/exception.h"
+#include "mainwindow/dragpayload.h"
 #include "model/rvobject.h"
 #include "ui/plaintooltip.h"
 #include "ui/svgicon.h"
 
 #include <QCoreApplication>
+#include <QMimeData>
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -87,8 +89,9 @@ StationDirectory::RowComparison comparison(const StationList &list, Qt::SortOrde
 }
 } // namespace
 
-StationTable::StationTable(QObject *parent)
+StationTable::StationTable(const RVTableView *myTableView, QObject *parent)
     : QAbstractTableModel(parent)
+    , myTableView_(myTableView)
     , locale_(displayLocale())
     , collator_(locale_)
     , circleRed_(svgIcon(QStringLiteral("circle_red")))
@@ -104,12 +107,12 @@ void StationTable::reload(const StationList &radioData)
     endResetModel();
 }
 
-qsizetype StationTable::numberOfRowsInTableView(const QTableView *) const
+qsizetype StationTable::numberOfRowsInTableView(const RVTableView *) const
 {
     return radioData_.size();
 }
 
-QVariant StationTable::tableViewObjectValueForTableColumn(const QTableView *, QLatin1StringView identifier,
+QVariant StationTable::tableViewObjectValueForTableColumn(const RVTableView *, QLatin1StringView identifier,
                                                           qsizetype row) const
 {
     const StationEntry &entry = elementAt(radioData_, row);
@@ -127,7 +130,7 @@ QVariant StationTable::tableViewObjectValueForTableColumn(const QTableView *, QL
     return {};
 }
 
-void StationTable::tableViewSortDescriptorsDidChange(const QTableView *,
+void StationTable::tableViewSortDescriptorsDidChange(const RVTableView *,
                                                      const QList<SortDescriptor> &descriptors)
 {
     // Stable sorts, the least important first, leave the order of them all.
@@ -153,6 +156,22 @@ StationDirectory::RowComparison StationTable::rowComparison(const SortDescriptor
         const QString text = entry.text(key);
         return text.isNull() ? std::nullopt : std::optional(collator_.sortKey(text));
     });
+}
+
+bool StationTable::tableViewWriteRowsWithIndexes(const RVTableView *table, const QList<int> &rows,
+                                                 QMimeData &pasteboard)
+{
+    if (table != myTableView_ || rows.isEmpty()) {
+        return false;
+    }
+    const int row = *std::max_element(rows.cbegin(), rows.cend());
+    pasteboard.setData(DragPayload::stationType, DragPayload::ofStation(elementAt(radioData_, row)));
+    return true;
+}
+
+Qt::DropActions StationTable::tableViewValidateDrop(const RVTableView *, const QMimeData &, int)
+{
+    return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
 }
 
 int StationTable::bitrateToStar(double bitrate)
@@ -185,6 +204,12 @@ int StationTable::rowCount(const QModelIndex &parent) const
 int StationTable::columnCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(columns.size());
+}
+
+Qt::ItemFlags StationTable::flags(const QModelIndex &index) const
+{
+    const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+    return index.isValid() ? flags | Qt::ItemIsDragEnabled : flags;
 }
 
 QVariant StationTable::data(const QModelIndex &index, int role) const

@@ -43,6 +43,21 @@ void StreamPlayback::playRadioFromURL(const QString &address, const QString &nam
     }
 }
 
+void StreamPlayback::playRadioCustomWithObject(const StationRecord &model)
+{
+    if (!model) {
+        return;
+    }
+    const QString url = model->text(RadioField::url);
+    const QString port = model->text(RadioField::port);
+    if (url.isNull() || port.isNull() || model->flag(RadioField::radioIsPrivate)) {
+        return;
+    }
+    // The port follows the mount point: whoever enters a public station knows it that way.
+    executeSynchAVPlayer(url + model->text(RadioField::mountpoint) + QLatin1Char(':') + port,
+                         model->text(RadioField::name));
+}
+
 void StreamPlayback::executeSynchAVPlayer(const QString &address, const QString &name)
 {
     if (address.isNull()) {

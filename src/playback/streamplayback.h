@@ -1,6 +1,7 @@
 #pragma once
 
 #include "directory/atomicfield.h"
+#include "model/radiomodel.h"
 #include "playback/backend.h"
 
 #include <QObject>
@@ -32,6 +33,10 @@ public:
 
     /// Plays `address` under the name `name`. Does nothing for an address that is null or empty.
     void playRadioFromURL(const QString &address, const QString &name);
+
+    /// Plays a station that the user has entered, from its own address fields. Does nothing for null, and
+    /// where it has no url or no port; empty texts count as there. A private station cannot be played yet.
+    void playRadioCustomWithObject(const StationRecord &model);
 
     /// Leaves the previous player and starts a stream. Does nothing for a null address; one that is no URL
     /// ends in a player that failed.

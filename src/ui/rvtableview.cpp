@@ -1,15 +1,25 @@
 #include "ui/rvtableview.h"
 
+#include "directory/exception.h"
 #include "ui/celldelegate.h"
 
+#include <QDrag>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSignalBlocker>
+#include <algorithm>
+#include <memory>
 
 namespace {
 constexpr int fixedRowHeight = 28;
+/// Wide enough to know the station by, and no wider: the picture hides where it is dropped.
+constexpr int widestDragImage = 440;
+constexpr qreal dragOpacity = 0.75;
+constexpr qreal dragCornerRadius = 6;
+constexpr Qt::DropActions everyAction = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
 } // namespace
 
 RVTableView::RVTableView(QWidget *parent)
@@ -32,6 +42,23 @@ RVTableView::RVTableView(QWidget *parent)
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fixedRowHeight);
     verticalHeader()->hide();
+    setDragEnabled(true);
+    setDropIndicatorShown(false);
+}
+
+void RVTableView::registerForDraggedTypes(const QStringList &types)
+{
+    draggedTypes_ = types;
+    setAcceptDrops(!types.isEmpty());
+}
+
+QList<int> RVTableView::selectedRows() const
+{
+    QList<int> rows;
+    for (const QModelIndex &index : selectionModel()->selectedRows()) {
+        rows.append(index.row());
+    }
+    return rows;
 }
 
 void RVTableView::setPlaceholderText(const QString &text)
@@ -95,6 +122,103 @@ void RVTableView::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect(), Qt::AlignCenter, placeholderText_);
+}
+
+void RVTableView::mousePressEvent(QMouseEvent *event)
+{
+    pressed_ = event->position().toPoint();
+    QTableView::mousePressEvent(event);
+}
+
+void RVTableView::startDrag(Qt::DropActions)
+{
+    const QList<int> rows = selectedRows();
+    auto pasteboard = std::make_unique<QMimeData>();
+    if (dataSource_ == nullptr || !dataSource_->tableViewWriteRowsWithIndexes(this, rows, *pasteboard)) {
+        return;
+    }
+    const int row = *std::max_element(rows.cbegin(), rows.cend());
+    const QPoint at = visualRect(model()->index(row, horizontalHeader()->logicalIndex(0))).topLeft();
+    QPixmap image = rowImage(row);
+    const QSize size = image.deviceIndependentSize().toSize();
+    try {
+        image = dragImage(image, at);
+    } catch (const RangeError &) {
+        // Most rows have no column of their number; they are dragged with the picture as it is.
+    }
+    // Deletes itself when the drag has ended.
+    auto *drag = new QDrag(this);
+    drag->setMimeData(pasteboard.release());
+    drag->setPixmap(image);
+    const QPoint held = pressed_ - at;
+    drag->setHotSpot({std::clamp(held.x(), 0, size.width()), std::clamp(held.y(), 0, size.height())});
+    drag->exec(everyAction, Qt::CopyAction);
+}
+
+QPixmap RVTableView::dragImage(const QPixmap &image, const QPoint &at) const
+{
+    QList<int> columnWidths;
+    for (int column = 0; column < horizontalHeader()->count(); ++column) {
+        columnWidths.append(columnWidth(horizontalHeader()->logicalIndex(column)));
+    }
+    const int width = elementAt(columnWidths, rowAt(at.y()));
+    QPixmap altered = image;
+    const QSizeF size = image.deviceIndependentSize();
+    const QRectF source(QPointF(), QSizeF(size.width() - width, size.height()) * image.devicePixelRatio());
+    if (source.isValid()) {
+        QPainter(&altered).drawPixmap(QRectF(QPointF(), source.size() / image.devicePixelRatio()), image,
+                                      source);
+    }
+    return altered;
+}
+
+/// A row as it stands in the table, on a card of its own that what lies below shines through.
+QPixmap RVTableView::rowImage(int row) const
+{
+    const QSize size(std::min(viewport()->width(), widestDragImage), rowHeight(row));
+    QPixmap image(size * devicePixelRatioF());
+    image.setDevicePixelRatio(devicePixelRatioF());
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setOpacity(dragOpacity);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette().color(QPalette::Highlight));
+    painter.drawRoundedRect(QRect(QPoint(), size), dragCornerRadius, dragCornerRadius);
+    QStyleOptionViewItem cell;
+    initViewItemOption(&cell);
+    cell.state |= QStyle::State_Enabled | QStyle::State_Active;
+    cell.palette.setColor(QPalette::Text, palette().color(QPalette::HighlightedText));
+    for (int column = 0; column < model()->columnCount(); ++column) {
+        cell.rect = QRect(columnViewportPosition(column), 0, columnWidth(column), size.height());
+        itemDelegateForIndex(model()->index(row, column))->paint(&painter, cell, model()->index(row, column));
+    }
+    return image;
+}
+
+void RVTableView::dragEnterEvent(QDragEnterEvent *event)
+{
+    dragMoveEvent(event);
+}
+
+void RVTableView::dragMoveEvent(QDragMoveEvent *event)
+{
+    const QStringList formats = event->mimeData()->formats();
+    const bool ours = event->source() != nullptr &&
+                      std::any_of(draggedTypes_.cbegin(), draggedTypes_.cend(),
+                                  [&formats](const QString &type) { return formats.contains(type); });
+    const Qt::DropActions allowed =
+        ours && dataSource_ != nullptr ? dataSource_->tableViewValidateDrop(
+                                             this, *event->mimeData(), rowAt(event->position().toPoint().y()))
+                                       : Qt::DropActions();
+    event->setAccepted(allowed.testFlag(event->proposedAction()));
+}
+
+void RVTableView::dragLeaveEvent(QDragLeaveEvent *) {}
+
+void RVTableView::dropEvent(QDropEvent *event)
+{
+    event->ignore();
 }
 
 void RVTableView::act(int row)

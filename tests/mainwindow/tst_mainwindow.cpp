@@ -1,19 +1,12 @@
 #include "directory/exception.h"
-#include "mainwindow/mainwindow.h"
 #include "playback/keypath.h"
-#include "support/fakebackend.h"
-#include "support/scriptedserver.h"
-#include "ui/rvtableview.h"
+#include "support/windowstage.h"
 #include "ui/spinner.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
 #include <QAction>
-#include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
-#include <QSettings>
-#include <QTest>
 #include <QTextDocumentFragment>
 #include <QToolButton>
 #include <limits>
@@ -27,51 +20,12 @@ const QByteArray answer = R"(<stationlist><tunein base="/tune.pls"/>
 <station name="&lt;b&gt;&#10;Z" id="3" br="1000" mt="AUDIO/MPEG" genre="Rock &amp; Roll"/>
 <station id="4" lc="100" br="x" mt="audio/aac"/></stationlist>)";
 
-/// The real window before a scripted directory and a fake backend.
-struct Stage
+struct Stage : WindowStage
 {
     Stage()
+        : WindowStage(answer)
     {
-        server.scriptBody("/legacy/Top500/", answer);
-        QSettings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s).clear();
-        window = std::make_unique<MainWindow>(
-            DirectoryEndpoints{{.baseAddress = server.address(u"/"_s)}, u"http://tune.example"_s}, backend);
-        window->show();
     }
-
-    template <class T>
-    T *find(const QString &name)
-    {
-        return window->findChild<T *>(name);
-    }
-    RVTableView *table() { return find<RVTableView>(u"myTableView"_s); }
-    QString title() { return find<QLabel>(u"playerStatusString"_s)->text(); }
-    QString status() { return find<QLabel>(u"subtitleStatusString"_s)->text(); }
-    QString cell(int row, int column) { return table()->model()->index(row, column).data().toString(); }
-    QStringList column(int column)
-    {
-        QStringList texts;
-        for (int row = 0; row < table()->model()->rowCount(); ++row) {
-            texts.append(cell(row, column));
-        }
-        return texts;
-    }
-    void doubleClick(const QPoint &position)
-    {
-        QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, position);
-        QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {}, position);
-    }
-    QPoint middleOf(int row) { return table()->visualRect(table()->model()->index(row, 1)).center(); }
-    void clickHeader(int section)
-    {
-        QHeaderView *header = table()->horizontalHeader();
-        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                          QPoint(header->sectionViewportPosition(section) + 20, header->height() / 2));
-    }
-
-    ScriptedServer server;
-    FakeBackend backend;
-    std::unique_ptr<MainWindow> window;
 };
 } // namespace
 
