@@ -2,6 +2,7 @@
 #include "app/commandline.h"
 #include "app/environment.h"
 #include "app/log.h"
+#include "app/quitsignals.h"
 #include "directory/exception.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
@@ -34,6 +35,18 @@ void boundEnding(int status)
     }).detach();
 }
 
+/// The window whose rack is not saved yet.
+MainWindow *openWindow = nullptr;
+
+/// A display that goes away, as at the end of a session, ends the process by way of exit(), from within the
+/// event loop. Orderly ends have saved the rack long before.
+void saveAtExit()
+{
+    if (openWindow != nullptr) {
+        openWindow->player().radioDataChanges(Player::willTerminate);
+    }
+}
+
 /// Logs what an event handler lets escape; the event is lost, the program goes on.
 class Application : public QApplication
 {
@@ -62,11 +75,16 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
 
     int status = 0;
     {
+        const QuitSignals quitSignals;
+        QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
         MainWindow window(environment.endpoints, backend);
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
         QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
+        openWindow = &window;
+        std::atexit(saveAtExit);
         window.show();
         status = QApplication::exec();
+        openWindow = nullptr;
         window.hide();
         boundEnding(status);
     }
