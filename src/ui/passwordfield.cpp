@@ -6,8 +6,8 @@
 #include <QToolButton>
 
 namespace {
-constexpr int buttonSize = 24;
-constexpr int buttonMargin = 4;
+constexpr int revealSize = 24;
+constexpr int revealMargin = 4;
 } // namespace
 
 PasswordField::PasswordField(QWidget *parent)
@@ -17,7 +17,7 @@ PasswordField::PasswordField(QWidget *parent)
     revealButton_->setObjectName(QStringLiteral("revealButton"));
     revealButton_->setCheckable(true);
     revealButton_->setCursor(Qt::ArrowCursor);
-    revealButton_->setFixedSize(buttonSize, buttonSize);
+    revealButton_->setFixedSize(revealSize, revealSize);
     revealButton_->setAccessibleName(tr("Show password"));
     connect(revealButton_, &QToolButton::toggled, this, &PasswordField::reveal);
     reveal(false);
@@ -43,8 +43,8 @@ void PasswordField::resizeEvent(QResizeEvent *event)
 {
     QLineEdit::resizeEvent(event);
     const bool mirrored = layoutDirection() == Qt::RightToLeft;
-    setTextMargins(mirrored ? buttonSize + buttonMargin : 0, 0, mirrored ? 0 : buttonSize + buttonMargin, 0);
-    const QRect room = rect().adjusted(buttonMargin, 0, -buttonMargin, 0);
+    setTextMargins(mirrored ? revealSize + revealMargin : 0, 0, mirrored ? 0 : revealSize + revealMargin, 0);
+    const QRect room = rect().adjusted(revealMargin, 0, -revealMargin, 0);
     revealButton_->setGeometry(QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter,
                                                    revealButton_->size(), room));
 }

@@ -12,14 +12,14 @@
 #include <utility>
 
 namespace {
-constexpr int margin = 8;
-constexpr int spacing = 8;
+constexpr int gridMargin = 8;
+constexpr int gridSpacing = 8;
 constexpr int hintedColumns = 4;
 /// Of a row: what one notch of the wheel moves is three of them.
 constexpr int scrollStepsInRow = 5;
 /// The focus ring stands off from its tile, so that it is seen on a selected one too.
-constexpr qreal ringDistance = 3;
-constexpr qreal ringWidth = 2;
+constexpr qreal focusRingDistance = 3;
+constexpr qreal focusRingWidth = 2;
 } // namespace
 
 RackView::RackView(QWidget *parent)
@@ -99,21 +99,21 @@ void RackView::scrollToIndex(qsizetype index)
         return;
     }
     const QRect tile = grid_.rectOf(index);
-    const int highest = tile.top() - margin;
-    const int lowest = tile.bottom() + 1 + margin - viewport()->height();
+    const int highest = tile.top() - gridMargin;
+    const int lowest = tile.bottom() + 1 + gridMargin - viewport()->height();
     const int seen = std::min(std::max(scrollOffset(), lowest), highest);
     verticalScrollBar()->setValue(seen);
 }
 
 QSize RackView::sizeHint() const
 {
-    const int moreColumns = (hintedColumns - 1) * (RackItem::sizeFor(font()).width() + spacing);
+    const int moreColumns = (hintedColumns - 1) * (RackItem::sizeFor(font()).width() + gridSpacing);
     return minimumSizeHint() + QSize(moreColumns, 0);
 }
 
 QSize RackView::minimumSizeHint() const
 {
-    const int around = 2 * margin + 2 * frameWidth();
+    const int around = 2 * gridMargin + 2 * frameWidth();
     return RackItem::sizeFor(font()) + QSize(around + verticalScrollBar()->sizeHint().width(), around);
 }
 
@@ -163,16 +163,17 @@ void RackView::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     if (numberOfItems() == 0) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+        painter.drawText(viewport()->rect().adjusted(gridMargin, gridMargin, -gridMargin, -gridMargin),
                          Qt::AlignCenter | Qt::TextWordWrap, placeholderText_);
     }
     const QColor accent = palette().color(QPalette::Highlight);
     if (hasFocus() && current_.index >= 0) {
         const QRectF tile = grid_.rectOf(current_.index).translated(0, -scrollOffset());
-        const qreal radius = frame_.cornerRadius + ringDistance;
-        painter.setPen(QPen(accent, ringWidth));
-        painter.drawRoundedRect(tile.adjusted(-ringDistance, -ringDistance, ringDistance, ringDistance),
-                                radius, radius);
+        const qreal radius = frame_.cornerRadius + focusRingDistance;
+        painter.setPen(QPen(accent, focusRingWidth));
+        painter.drawRoundedRect(
+            tile.adjusted(-focusRingDistance, -focusRingDistance, focusRingDistance, focusRingDistance),
+            radius, radius);
     }
     if (!mark_.isNull()) {
         painter.setPen(Qt::NoPen);
@@ -207,7 +208,7 @@ void RackView::layOut()
     const QScopedValueRollback busy(layingOut_, true);
     layoutDue_ = false;
     grid_ = measuredGrid();
-    verticalScrollBar()->setSingleStep((grid_.tile.height() + spacing) / scrollStepsInRow);
+    verticalScrollBar()->setSingleStep((grid_.tile.height() + gridSpacing) / scrollStepsInRow);
     verticalScrollBar()->setPageStep(viewport()->height());
     verticalScrollBar()->setRange(0, std::max(0, grid_.contentHeight() - viewport()->height()));
     // The bar may have come or gone by that.
@@ -224,8 +225,8 @@ TileGrid RackView::measuredGrid() const
     const int besideBar = maximumViewportSize().width() - verticalScrollBar()->sizeHint().width();
     const int room = std::max(0, viewport()->width() - besideBar);
     return {.tile = RackItem::sizeFor(font()),
-            .spacing = spacing,
-            .margins = {margin, margin, margin + room, margin},
+            .spacing = gridSpacing,
+            .margins = {gridMargin, gridMargin, gridMargin + room, gridMargin},
             .width = viewport()->width(),
             .count = numberOfItems(),
             .direction = layoutDirection()};
@@ -234,7 +235,7 @@ TileGrid RackView::measuredGrid() const
 void RackView::layOutTiles()
 {
     const int top = scrollOffset();
-    const int moreRows = grid_.tile.height() + spacing;
+    const int moreRows = grid_.tile.height() + gridSpacing;
     const TileRange range = grid_.indexesWithin(top - moreRows, top + viewport()->height() - 1 + moreRows);
     bool moved = assignTiles(range);
     for (qsizetype index = range.first; index < range.end; ++index) {
@@ -393,5 +394,5 @@ QRect RackView::focusRing() const
     return current_.index < 0 ? QRect()
                               : grid_.rectOf(current_.index)
                                     .translated(0, -scrollOffset())
-                                    .adjusted(-spacing, -spacing, spacing, spacing);
+                                    .adjusted(-gridSpacing, -gridSpacing, gridSpacing, gridSpacing);
 }

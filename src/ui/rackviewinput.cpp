@@ -14,7 +14,7 @@
 #include <utility>
 
 namespace {
-constexpr qreal dragOpacity = 0.6;
+constexpr qreal tileDragOpacity = 0.6;
 constexpr int autoScrollEdge = 32;
 constexpr int autoScrollMilliseconds = 16;
 /// Of how far the pointer is into the edge: what one turn scrolls.
@@ -51,7 +51,7 @@ QPixmap translucent(const QPixmap &picture)
     faint.setDevicePixelRatio(picture.devicePixelRatio());
     faint.fill(Qt::transparent);
     QPainter painter(&faint);
-    painter.setOpacity(dragOpacity);
+    painter.setOpacity(tileDragOpacity);
     painter.drawPixmap(0, 0, picture);
     return faint;
 }

@@ -17,7 +17,7 @@ namespace {
 constexpr int fixedRowHeight = 28;
 /// Wide enough to know the station by, and no wider: the picture hides where it is dropped.
 constexpr int widestDragImage = 440;
-constexpr qreal dragOpacity = 0.75;
+constexpr qreal rowDragOpacity = 0.75;
 constexpr qreal dragCornerRadius = 6;
 constexpr Qt::DropActions everyAction = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
 } // namespace
@@ -180,7 +180,7 @@ QPixmap RVTableView::rowImage(int row) const
     image.setDevicePixelRatio(devicePixelRatioF());
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    painter.setOpacity(dragOpacity);
+    painter.setOpacity(rowDragOpacity);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().color(QPalette::Highlight));
