@@ -201,7 +201,7 @@ QByteArray KeyedArchiver::finish(Index root)
     char *bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(archive.get(), &bytes, &size);
-    const QByteArray binary(bytes, size);
+    QByteArray binary(bytes, size);
     plist_to_bin_free(bytes);
     return binary;
 }

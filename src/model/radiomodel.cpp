@@ -53,7 +53,7 @@ RadioModel::RadioModel()
 
 StationRecord RadioModel::initWithCoder(const KeyedUnarchiver &coder)
 {
-    const StationRecord record(new RadioModel(NoDefaults()));
+    StationRecord record(new RadioModel(NoDefaults()));
     for (const RadioField field : fields()) {
         record->setValue(field, coder.decodeObject(key(field)));
     }

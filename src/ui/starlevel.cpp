@@ -21,9 +21,10 @@ constexpr QRgb gold = 0xffdf9b2c;
 QPainterPath starAt(const QPointF &centre, qreal radius)
 {
     constexpr int corners = 10;
+    constexpr qreal step = 2 * std::numbers::pi / corners;
     QPainterPath star;
     for (int corner = 0; corner < corners; ++corner) {
-        const qreal angle = corner * std::numbers::pi / (corners / 2) - std::numbers::pi / 2;
+        const qreal angle = corner * step - std::numbers::pi / 2;
         const qreal reach = corner % 2 == 0 ? radius : radius * innerShare;
         const QPointF point = centre + reach * QPointF(std::cos(angle), std::sin(angle));
         corner == 0 ? star.moveTo(point) : star.lineTo(point);
