@@ -1,4 +1,6 @@
+#include "directory/address.h"
 #include "playback/keypath.h"
+#include "playback/privatestream.h"
 #include "playback/streamplayback.h"
 #include "playback/tuneinaddress.h"
 #include "support/fakebackend.h"
@@ -13,8 +15,10 @@ namespace {
 /// Playback on fakes, with the two texts as the window would show them.
 struct Stage
 {
-    explicit Stage(const QVariant &storedTimeout = {})
-        : playback(backend, [storedTimeout] { return storedTimeout; })
+    explicit Stage(const QVariant &storedTimeout = {}, const QVariant &storedUserAgent = {})
+        : playback(
+              backend, [storedTimeout] { return storedTimeout; },
+              [storedUserAgent] { return storedUserAgent; })
     {
         QObject::connect(&playback, &StreamPlayback::titleChanged,
                          [this](const QString &text) { title = text; });
@@ -64,6 +68,11 @@ private Q_SLOTS:
     void timeoutWithoutPlayer();
     void absentAddresses();
     void addressesAreEscaped();
+    void privateUrls_data();
+    void privateUrls();
+    void privateHeaders_data();
+    void privateHeaders();
+    void customStations();
     void tuneInAddresses();
 };
 
@@ -301,6 +310,124 @@ void TestStreamPlayback::addressesAreEscaped()
     QTRY_VERIFY(stage.backend.player != nullptr);
     QCOMPARE(stage.item().request.url.toEncoded(), "http://h/a%20b/%C3%A9?x=%2541");
     QCOMPARE(stage.item().request.timeout, 25.0);
+}
+
+void TestStreamPlayback::privateUrls_data()
+{
+    QTest::addColumn<QVariant>("url");
+    QTest::addColumn<QVariant>("mountpoint");
+    QTest::addColumn<QVariant>("port");
+    QTest::addColumn<QVariant>("scheme");
+    // Empty for one that cannot be played.
+    QTest::addColumn<QByteArray>("address");
+    const auto row = [](const char *name, const QVariant &url, const QVariant &mountpoint,
+                        const QVariant &port, const QVariant &scheme, const QByteArray &address) {
+        QTest::newRow(name) << url << mountpoint << port << scheme << address;
+    };
+    const QVariant absent;
+    const QVariant host = u"http://host"_s;
+    const QVariant live = u"/live"_s;
+    row("all", host, live, u"8000"_s, u"http"_s, "http://host:8000/live");
+    row("https", host, live, u"8443"_s, u"https"_s, "https://host:8443/live");
+    row("no scheme", u"https://host"_s, live, u"8000"_s, absent, "http://host:8000/live");
+    row("no mount point", u"http://host/there"_s, absent, u"8000"_s, absent, "http://host:8000");
+    row("a port in front", host, live, u"8000abc"_s, absent, "http://host:8000/live");
+    row("no port in the text", host, live, u"x"_s, absent, "http://host:0/live");
+    row("empty port", host, live, u""_s, absent, "http://host:0/live");
+    row("archived number", host, live, 8000LL, absent, "http://host:8000/live");
+    row("no such port", host, live, u"70000"_s, absent, {});
+    row("port that means none", host, live, u"-1"_s, absent, {});
+    row("own port and query", u"http://host:99/?a=b"_s, live, u"8000"_s, absent,
+        "http://host:8000/live?a=b/live");
+    row("to be escaped", host, u"/a b/\u00e9?%41"_s, u"8000"_s, absent,
+        "http://host:8000/a%20b/%C3%A9%3F%2541?%2541");
+    row("url without scheme", u"host"_s, live, u"8000"_s, absent, {});
+    row("mount point without slash", u"http://host/"_s, u"live"_s, u"8000"_s, absent, {});
+    row("no web scheme", host, live, u"8000"_s, u"file"_s, {});
+    row("empty scheme", host, live, u"8000"_s, u""_s, {});
+}
+
+void TestStreamPlayback::privateUrls()
+{
+    QFETCH(QVariant, url);
+    QFETCH(QVariant, mountpoint);
+    QFETCH(QVariant, port);
+    QFETCH(QVariant, scheme);
+    RadioModel model;
+    model.setUrl(url);
+    model.setMountpoint(mountpoint);
+    model.setPort(port);
+    model.setRadioscheme(scheme);
+    const QUrl made = privateStreamUrl(model);
+    QTEST(isHttpUrl(made) ? made.toEncoded() : QByteArray(), "address");
+}
+
+void TestStreamPlayback::privateHeaders_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<QByteArray>("agent");
+    const QByteArray builtIn =
+        "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) Plumtide/100.0.0 Version/1.0.0";
+    const QByteArray safari = "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) AppleWebKit/537.75.14 (KHTML, "
+                              "like Gecko) Version/7.0.3 Safari/7046A194A";
+    const QByteArray firefox = "Mozilla/5.0 (Windows NT 6.3; rv:36.0) Gecko/20100101 Firefox/36.0";
+    QTest::newRow("absent") << QVariant() << builtIn;
+    QTest::newRow("0") << QVariant(0) << builtIn;
+    QTest::newRow("1") << QVariant(1) << safari;
+    QTest::newRow("2 as text") << QVariant(u"2nd"_s) << firefox;
+    QTest::newRow("no number") << QVariant(u"x"_s) << builtIn;
+    QTest::newRow("more than 32 bits") << QVariant((1LL << 32) + 1) << safari;
+    QTest::newRow("3") << QVariant(3) << QByteArray();
+    QTest::newRow("-1") << QVariant(-1) << QByteArray();
+}
+
+void TestStreamPlayback::privateHeaders()
+{
+    RadioModel model;
+    model.setUsername(u"user"_s);
+    model.setPassword(u"pass"_s);
+    QFETCH(QVariant, stored);
+    QFETCH(QByteArray, agent);
+    HttpHeaders expected{{"Authorization", "Basic dXNlcjpwYXNz"}};
+    if (!agent.isEmpty()) {
+        expected.prepend({"User-Agent", agent});
+    }
+    QCOMPARE(privateStreamHeaders(model, stored), expected);
+}
+
+void TestStreamPlayback::customStations()
+{
+    Stage stage(25, 3);
+    const auto model = std::make_shared<RadioModel>();
+    model->setName(u"Mine"_s);
+    model->setUrl({});
+    model->setPort(u"8000"_s);
+    model->setMountpoint(u"/live"_s);
+    model->setUsername({});
+    model->setPassword({});
+    stage.playback.playRadioCustomWithObject(nullptr);
+    stage.playback.executeSynchPrivateAVPlayer(nullptr);
+    stage.playback.playRadioCustomWithObject(model);
+    QVERIFY(stage.title.isNull() && stage.status.isNull());
+
+    // Where the port follows the mount point no host can be reached at another port.
+    model->setUrl(u"http://host"_s);
+    stage.playback.playRadioCustomWithObject(model);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.item().request.url.toEncoded(), "http://host/live:8000");
+    QCOMPARE(stage.item().request.headers, HttpHeaders());
+
+    model->setRadioIsPrivate(true);
+    stage.reportRanges();
+    stage.playback.playRadioCustomWithObject(model);
+    QCOMPARE(stage.title, u"Mine"_s);
+    QCOMPARE(stage.status, u"Connecting please wait.."_s);
+    QVERIFY(!stage.playback.isPlaying());
+    QVERIFY(stage.backend.player == nullptr);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.item().request.url.toEncoded(), "http://host:8000/live");
+    QCOMPARE(stage.item().request.timeout, 25.0);
+    QCOMPARE(stage.item().request.headers, (HttpHeaders{{"Authorization", "Basic Og=="}}));
 }
 
 void TestStreamPlayback::tuneInAddresses()
