@@ -247,10 +247,8 @@ void TestStreamResolver::headersGoToTheirOwner()
 
     const HttpHeaders ownHeaders{{"user-agent", "Mine"}, {"Authorization", "Basic x"}};
     const HttpHeaders usual{{"User-Agent", StreamResolver::userAgent()}};
-    QCOMPARE(last.path(), u"/sound"_s);
+    QCOMPARE(last, QUrl((own ? server : other).address(u"/sound"_s)));
     QCOMPARE(resolver.headersFor(last), own ? ownHeaders : usual);
-    QCOMPARE(server.targets().contains("/sound"), own);
-    QCOMPARE(other.targets().contains("/sound"), !own);
     for (const QByteArray &request : server.requests()) {
         QVERIFY(request.contains(": Mine\r\n") && request.contains("Authorization: Basic x\r\n"));
         QVERIFY(!request.contains("Injected") && !request.contains("Null"));
