@@ -82,6 +82,11 @@ void HttpExchange::send(const QUrl &url)
             request.setRawHeader(name, value);
         }
     }
+    if (isSameOrigin(url, request_.owner)) {
+        for (const auto &[name, value] : std::as_const(request_.ownerHeaders)) {
+            request.setRawHeader(name, value);
+        }
+    }
 
     reply_ = request_.method == "GET" ? network_->get(request)
                                       : network_->sendCustomRequest(request, request_.method, request_.body);

@@ -19,6 +19,10 @@ struct HttpRequest
     QUrl url;
     QByteArray method = QByteArrayLiteral("GET");
     HttpHeaders headers = {};
+    /// Sent to the scheme, host and port of `owner` only, wherever redirects lead; each in the place of one
+    /// of the same name in `headers`.
+    HttpHeaders ownerHeaders = {};
+    QUrl owner = {};
     QByteArray body = {};
     /// From the first byte sent to the last one received, redirects included.
     std::chrono::milliseconds deadline = std::chrono::seconds(60);

@@ -42,7 +42,8 @@ Player::Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints
     , tuneInBaseAddress_(endpoints.tuneInBaseAddress)
     , directory_(endpoints.service, [this] { return settings_.queryLimit(); })
     , stationTable_(outlets.myTableView)
-    , playback_(backend, [this] { return settings_.timeout(); })
+    , playback_(
+          backend, [this] { return settings_.timeout(); }, [this] { return settings_.userAgent(); })
     , rackActions_(rack_, outlets.rack, [this](const StationEntry &station) {
         return droppedStationAddress(tuneInBaseAddress_, directory_.radiocallbackData500(), station);
     })

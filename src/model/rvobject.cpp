@@ -1,6 +1,7 @@
 #include "model/rvobject.h"
 
 #include "directory/exception.h"
+#include "directory/jsonfecther.h"
 #include "directory/leadinginteger.h"
 
 #include <QDateTime>
@@ -28,6 +29,11 @@ QString RVObject::airAPIFormatStyle(const QString &text)
 {
     QString formatted = text;
     return formatted.replace(QLatin1Char(' '), QLatin1Char('+'));
+}
+
+QString RVObject::standardBasicAuthWithUsername(const QString &username, const QString &password)
+{
+    return JSonFecther::standardBasicAuthWithUsername(username, password);
 }
 
 double RVObject::rtoToTime(const QVariant &stored)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "directory/httpexchange.h"
 #include "model/soundsettings.h"
 #include "playback/observable.h"
 
@@ -13,6 +14,10 @@ struct StreamRequest
     QUrl url;
     /// How long the stream may take to start, in seconds; never negative.
     double timeout = 15.0;
+    /// Sent with every request for the scheme, host and port of `url`, and to nobody else: neither to whom a
+    /// redirect nor to whom a playlist names. One that no header line can hold is left out. Without a
+    /// "User-Agent" among them the backend sends its own.
+    HttpHeaders headers = {};
 };
 
 /// One stream that can be played. Reports "playbackLikelyToKeepUp", "loadedTimeRanges", "playbackBufferEmpty"

@@ -3,6 +3,7 @@
 #include "directory/address.h"
 #include "model/rvobject.h"
 #include "playback/keypath.h"
+#include "playback/privatestream.h"
 
 #include <QTimer>
 #include <algorithm>
@@ -17,10 +18,12 @@ bool isRunning(const BackendPlayer &player)
 }
 } // namespace
 
-StreamPlayback::StreamPlayback(Backend &backend, StoredTimeout storedTimeout, QObject *parent)
+StreamPlayback::StreamPlayback(Backend &backend, StoredTimeout storedTimeout, StoredUserAgent storedUserAgent,
+                               QObject *parent)
     : QObject(parent)
     , backend_(backend)
     , storedTimeout_(std::move(storedTimeout))
+    , storedUserAgent_(std::move(storedUserAgent))
 {
     itemMaker_.setMaxThreadCount(1);
     itemMaker_.setThreadPriority(QThread::HighPriority);
@@ -50,7 +53,11 @@ void StreamPlayback::playRadioCustomWithObject(const StationRecord &model)
     }
     const QString url = model->text(RadioField::url);
     const QString port = model->text(RadioField::port);
-    if (url.isNull() || port.isNull() || model->flag(RadioField::radioIsPrivate)) {
+    if (url.isNull() || port.isNull()) {
+        return;
+    }
+    if (model->flag(RadioField::radioIsPrivate)) {
+        executeSynchPrivateAVPlayer(model);
         return;
     }
     // The port follows the mount point: whoever enters a public station knows it that way.
@@ -63,14 +70,21 @@ void StreamPlayback::executeSynchAVPlayer(const QString &address, const QString 
     if (address.isNull()) {
         return;
     }
-    detachPlayer();
+    const double timeout = beginStart(name);
+    makeItem({urlFromAddress(address), timeout});
+}
+
+void StreamPlayback::executeSynchPrivateAVPlayer(const StationRecord &model)
+{
+    if (!model) {
+        return;
+    }
+    const QString name = model->text(RadioField::name);
+    const double timeout = beginStart(name);
+    const StreamRequest request{privateStreamUrl(*model), timeout,
+                                privateStreamHeaders(*model, storedUserAgent_())};
     Q_EMIT titleChanged(name);
-    Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
-    stopTimeout();
-    const double timeout = startTimeout();
-    const QUrl url = urlFromAddress(address);
-    isPlaying_ = false;
-    makeItem({url, timeout});
+    makeItem(request);
 }
 
 void StreamPlayback::timerDone()
@@ -119,6 +133,15 @@ StreamPlayback::Toggle StreamPlayback::togglePause()
     return running ? Toggle::Paused : Toggle::Resumed;
 }
 
+double StreamPlayback::beginStart(const QString &name)
+{
+    detachPlayer();
+    Q_EMIT titleChanged(name);
+    Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
+    stopTimeout();
+    return startTimeout();
+}
+
 void StreamPlayback::detachPlayer()
 {
     if (myBackendPlayer_) {
@@ -151,6 +174,7 @@ void StreamPlayback::stopTimeout()
 
 void StreamPlayback::makeItem(const StreamRequest &request)
 {
+    isPlaying_ = false;
     itemMaker_.start([this, request] {
         playeritem_.set(backend_.makeItem(request));
         QMetaObject::invokeMethod(this, &StreamPlayback::makePlayer, Qt::QueuedConnection);

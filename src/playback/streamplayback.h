@@ -23,24 +23,31 @@ class StreamPlayback : public QObject, private Observer
 public:
     /// The stored time-out of a start; invalid where none is stored.
     using StoredTimeout = std::function<QVariant()>;
+    /// The stored choice of the User-Agent that private stations are shown; invalid where none is stored.
+    using StoredUserAgent = std::function<QVariant()>;
 
     /// What a play/pause command did.
     enum class Toggle { NoPlayer, Paused, Resumed };
 
     /// The backend must outlive this object.
-    StreamPlayback(Backend &backend, StoredTimeout storedTimeout, QObject *parent = nullptr);
+    StreamPlayback(Backend &backend, StoredTimeout storedTimeout, StoredUserAgent storedUserAgent,
+                   QObject *parent = nullptr);
     ~StreamPlayback() override;
 
     /// Plays `address` under the name `name`. Does nothing for an address that is null or empty.
     void playRadioFromURL(const QString &address, const QString &name);
 
     /// Plays a station that the user has entered, from its own address fields. Does nothing for null, and
-    /// where it has no url or no port; empty texts count as there. A private station cannot be played yet.
+    /// where it has no url or no port; empty texts count as there.
     void playRadioCustomWithObject(const StationRecord &model);
 
     /// Leaves the previous player and starts a stream. Does nothing for a null address; one that is no URL
     /// ends in a player that failed.
     void executeSynchAVPlayer(const QString &address, const QString &name);
+
+    /// The same for a private station: its credentials and the chosen User-Agent go with every request for
+    /// its stream. Does nothing for null.
+    void executeSynchPrivateAVPlayer(const StationRecord &model);
 
     /// The time-out of a start has passed: ends a player that never streamed.
     void timerDone();
@@ -70,6 +77,9 @@ Q_SIGNALS:
     void tornDown();
 
 private:
+    /// What a start begins with: leaves the previous player and starts the time-out, which it gives in
+    /// seconds.
+    double beginStart(const QString &name);
     void detachPlayer();
     /// Gives the time-out in seconds.
     double startTimeout();
@@ -90,6 +100,7 @@ private:
 
     Backend &backend_;
     StoredTimeout storedTimeout_;
+    StoredUserAgent storedUserAgent_;
     std::shared_ptr<BackendPlayer> myBackendPlayer_;
     AtomicField<std::shared_ptr<BackendItem>> playeritem_;
     /// Ended from within its own signal, and so never deleted on the spot.

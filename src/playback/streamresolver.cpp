@@ -9,6 +9,7 @@
 #include <QHostInfo>
 #include <QNetworkReply>
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -20,6 +21,18 @@ constexpr std::chrono::milliseconds doubtTime = std::chrono::seconds(1);
 /// How often one stream is handed out.
 constexpr int attempts = 2;
 constexpr int noLookup = -1;
+
+/// Whether a header can be sent without making up further lines.
+bool fitsInALine(const QPair<QByteArray, QByteArray> &header)
+{
+    const QByteArray line = header.first + header.second;
+    return !line.contains('\r') && !line.contains('\n') && !line.contains('\0');
+}
+
+bool isUserAgent(const QPair<QByteArray, QByteArray> &header)
+{
+    return header.first.compare("User-Agent", Qt::CaseInsensitive) == 0;
+}
 
 bool isNamedLikeAPlaylist(const QUrl &address)
 {
@@ -35,21 +48,37 @@ QByteArray StreamResolver::userAgent()
     return QByteArrayLiteral("Plumtide/") + QCoreApplication::applicationVersion().toUtf8();
 }
 
-StreamResolver::StreamResolver(const QUrl &address, std::chrono::milliseconds timeout, QObject *parent)
+StreamResolver::StreamResolver(const StreamRequest &request, QObject *parent)
     : QObject(parent)
-    , timeout_(timeout)
+    , address_(request.url)
+    , timeout_(static_cast<qint64>(request.timeout * 1000))
 {
-    waiting_.push_back({.url = address});
+    std::copy_if(request.headers.begin(), request.headers.end(), std::back_inserter(ownHeaders_),
+                 fitsInALine);
+    waiting_.push_back(
+        {.url = address_, .trusted = !request.headers.isEmpty() && !isNamedLikeAPlaylist(address_)});
     share_.setSingleShot(true);
     connect(&share_, &QTimer::timeout, this, &StreamResolver::next);
     doubt_.setSingleShot(true);
     doubt_.setInterval(doubtTime);
-    connect(&doubt_, &QTimer::timeout, this, &StreamResolver::look);
+    connect(&doubt_, &QTimer::timeout, this, &StreamResolver::doubt);
 }
 
 StreamResolver::~StreamResolver()
 {
     dropName();
+}
+
+HttpHeaders StreamResolver::headersFor(const QUrl &url) const
+{
+    HttpHeaders headers;
+    if (isSameOrigin(url, address_)) {
+        headers = ownHeaders_;
+    }
+    if (std::none_of(headers.cbegin(), headers.cend(), isUserAgent)) {
+        headers.prepend({"User-Agent", userAgent()});
+    }
+    return headers;
 }
 
 void StreamResolver::start()
@@ -66,7 +95,10 @@ void StreamResolver::refused()
     doubt_.stop();
     if (current_.trusted) {
         current_.trusted = false;
-        look();
+        // A look beside goes on: the server may be slow to answer another.
+        if (exchange_ == nullptr) {
+            look();
+        }
     } else {
         handOut(handedOut_);
     }
@@ -154,9 +186,22 @@ std::chrono::milliseconds StreamResolver::timeLeft() const
     return timeout_ - std::chrono::milliseconds(elapsed_.elapsed());
 }
 
+void StreamResolver::doubt()
+{
+    if (exchange_ == nullptr) {
+        look();
+    } else {
+        current_.trusted = true;
+        lookUpName();
+    }
+}
+
 void StreamResolver::look()
 {
     endLook();
+    if (!current_.trusted && handedOut_.isEmpty() && !isNamedLikeAPlaylist(current_.url)) {
+        doubt_.start();
+    }
     exchange_ = new HttpExchange(this);
     connect(exchange_, &HttpExchange::bodyReceived, this, [this] { judge(false); });
     connect(exchange_, &HttpExchange::finished, this, [this] { judge(true); });
@@ -164,6 +209,8 @@ void StreamResolver::look()
             [this](const HttpError &error) { lookFailed(error.code); });
     exchange_->start({.url = current_.url,
                       .headers = {{"User-Agent", userAgent()}},
+                      .ownerHeaders = headersFor(address_),
+                      .owner = address_,
                       .deadline = timeout_,
                       .maximumBytes = maximumPlaylistBytes});
 }
@@ -181,6 +228,7 @@ void StreamResolver::judge(bool complete)
     }
     switch (Playlist::kindOf(QByteArrayView(body).first(std::min(body.size(), Playlist::headBytes)))) {
     case Playlist::Kind::Playlist:
+        doubt_.stop();
         if (complete) {
             const QList<QUrl> entries =
                 current_.depth < maximumDepth ? Playlist::entries(body, response.url) : QList<QUrl>();
@@ -197,9 +245,11 @@ void StreamResolver::judge(bool complete)
         next();
         break;
     case Playlist::Kind::Media:
-        if (current_.trusted) {
+        // Whoever was handed an address that redirects does not follow.
+        if (current_.trusted && response.url == current_.url) {
             endLook();
         } else {
+            current_.trusted = false;
             handOut(response.url);
         }
         break;
@@ -232,15 +282,19 @@ void StreamResolver::lookFailed(int code)
 
 void StreamResolver::handOut(const QUrl &stream)
 {
-    // The connection that was looked at is closed before the player opens its own.
-    endLook();
+    if (!current_.trusted) {
+        // The connection that was looked at is closed before the player opens its own.
+        endLook();
+        dropName();
+        doubt_.stop();
+    }
     timesHandedOut_ = stream == handedOut_ ? timesHandedOut_ + 1 : 1;
     if (timesHandedOut_ > attempts) {
         next();
         return;
     }
     handedOut_ = stream;
-    if (current_.trusted) {
+    if (current_.trusted && exchange_ == nullptr) {
         doubt_.start();
     }
     Q_EMIT streamFound(stream);

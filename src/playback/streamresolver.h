@@ -1,5 +1,7 @@
 #pragma once
 
+#include "playback/backend.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
@@ -22,6 +24,9 @@ class HttpExchange;
 ///
 /// A stream that has not begun to be read a while after it was handed out is looked at beside, because FFmpeg
 /// asks again and again for an answer without a length that is too short to be sound, and never refuses it.
+/// And what has not answered its look after that while is handed out beside: a server that takes most of the
+/// time to answer would take as much again. Where the request has headers of its own, its address is handed
+/// out unseen as well: a server may let a listener in once only, and be slow to see that he has gone.
 ///
 /// Lives on the main thread. Ends by being destroyed, or with failed().
 class StreamResolver : public QObject
@@ -37,8 +42,12 @@ public:
     /// The User-Agent that stream servers are sent.
     static QByteArray userAgent();
 
-    StreamResolver(const QUrl &address, std::chrono::milliseconds timeout, QObject *parent = nullptr);
+    explicit StreamResolver(const StreamRequest &request, QObject *parent = nullptr);
     ~StreamResolver() override;
+
+    /// What a request for `url` carries: the headers of the stream's request where they may go there, and
+    /// always a User-Agent.
+    HttpHeaders headersFor(const QUrl &url) const;
 
     /// Begins. Signals may be sent before this returns.
     void start();
@@ -68,6 +77,7 @@ private:
     std::chrono::milliseconds timeLeft() const;
     void lookUpName();
     void dropName();
+    void doubt();
     void look();
     void judge(bool complete);
     void dismiss();
@@ -75,6 +85,8 @@ private:
     void handOut(const QUrl &stream);
     void endLook();
 
+    QUrl address_;
+    HttpHeaders ownHeaders_;
     std::deque<Candidate> waiting_;
     int tried_ = 0;
     Candidate current_;
@@ -85,7 +97,8 @@ private:
     QElapsedTimer elapsed_;
     QTimer share_;
     HttpExchange *exchange_ = nullptr;
-    /// Until a stream that was handed out unseen is looked at, though it has not been refused.
+    /// Until a stream that was handed out unseen is looked at, though it has not been refused, or one whose
+    /// look has no answer is handed out.
     QTimer doubt_;
     /// -1 while no name is being looked up.
     int lookup_ = -1;

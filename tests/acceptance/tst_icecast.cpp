@@ -22,6 +22,8 @@ private Q_SLOTS:
     void formatsStream();
     void soundIsTheMounts();
     void privateMountsAreNotHeard();
+    void privateMountsAskForAPassword_data();
+    void privateMountsAskForAPassword();
     void endedSourcesArePlayedOut();
 
 private:
@@ -72,6 +74,31 @@ void TestIcecast::privateMountsAreNotHeard()
     stage.settings.setValue("timeout_value", 2);
     stage.doubleClick(0);
     QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::failure, Stage::soundTime);
+}
+
+void TestIcecast::privateMountsAskForAPassword_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QStringList>("statuses");
+    QTest::newRow("right") << QString::fromLatin1(Icecast::password) << Stage::healthyStart;
+    QTest::newRow("wrong") << u"open sesami"_s << Stage::failure;
+}
+
+void TestIcecast::privateMountsAskForAPassword()
+{
+    QFETCH(QString, password);
+    Stage stage(directory_.address());
+    stage.settings.setValue("timeout_value", 3);
+    const auto station = std::make_shared<RadioModel>();
+    station->setUrl(u"http://127.0.0.1"_s);
+    station->setPort(QString::number(QUrl(QString::fromLatin1(icecast_.address("/"))).port()));
+    station->setMountpoint(QString::fromLatin1(Icecast::privateMount));
+    station->setUsername(QString::fromLatin1(Icecast::user));
+    station->setPassword(password);
+    station->setRadioIsPrivate(true);
+    stage.window.player().streamPlayback().playRadioCustomWithObject(station);
+    QFETCH(QStringList, statuses);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, statuses, Stage::soundTime);
 }
 
 void TestIcecast::endedSourcesArePlayedOut()

@@ -13,6 +13,7 @@ class TestRVObject : public QObject
 private Q_SLOTS:
     void initTestCase();
     void queriesHavePluses();
+    void credentials();
     void timeouts_data();
     void timeouts();
     void numbersAndIndexes();
@@ -31,6 +32,13 @@ void TestRVObject::initTestCase()
 void TestRVObject::queriesHavePluses()
 {
     QCOMPARE(RVObject::airAPIFormatStyle(u"  a b\tc\u00a0d"_s), u"++a+b\tc\u00a0d"_s);
+}
+
+void TestRVObject::credentials()
+{
+    QCOMPARE(RVObject::standardBasicAuthWithUsername(u"user"_s, u"pass"_s), u"Basic dXNlcjpwYXNz"_s);
+    QCOMPARE(RVObject::standardBasicAuthWithUsername({}, {}), u"Basic Og=="_s);
+    QCOMPARE(RVObject::standardBasicAuthWithUsername(u"us\u00e9r"_s, u"pass"_s), u"Basic "_s);
 }
 
 void TestRVObject::timeouts_data()

@@ -1,11 +1,15 @@
+#include "directory/address.h"
 #include "playback/keypath.h"
+#include "playback/privatestream.h"
 #include "playback/streamplayback.h"
 #include "playback/tuneinaddress.h"
 #include "support/fakebackend.h"
 
 #include <QElapsedTimer>
 #include <QTest>
+#include <array>
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -13,8 +17,10 @@ namespace {
 /// Playback on fakes, with the two texts as the window would show them.
 struct Stage
 {
-    explicit Stage(const QVariant &storedTimeout = {})
-        : playback(backend, [storedTimeout] { return storedTimeout; })
+    explicit Stage(const QVariant &storedTimeout = {}, const QVariant &storedUserAgent = {})
+        : playback(
+              backend, [storedTimeout] { return storedTimeout; },
+              [storedUserAgent] { return storedUserAgent; })
     {
         QObject::connect(&playback, &StreamPlayback::titleChanged,
                          [this](const QString &text) { title = text; });
@@ -64,6 +70,10 @@ private Q_SLOTS:
     void timeoutWithoutPlayer();
     void absentAddresses();
     void addressesAreEscaped();
+    void privateUrls_data();
+    void privateUrls();
+    void privateHeaders();
+    void customStations();
     void tuneInAddresses();
 };
 
@@ -301,6 +311,93 @@ void TestStreamPlayback::addressesAreEscaped()
     QTRY_VERIFY(stage.backend.player != nullptr);
     QCOMPARE(stage.item().request.url.toEncoded(), "http://h/a%20b/%C3%A9?x=%2541");
     QCOMPARE(stage.item().request.timeout, 25.0);
+}
+
+void TestStreamPlayback::privateUrls_data()
+{
+    QTest::addColumn<QString>("parts");
+    QTest::addColumn<QByteArray>("address");
+    // Url, mount point, port and scheme, "-" for an absent one; no address where it cannot be played.
+    const QList<std::pair<QString, QByteArray>> rows{
+        {u"http://host /live 8000 https"_s, "https://host:8000/live"},
+        {u"https://host /live 8000abc -"_s, "http://host:8000/live"},
+        {u"http://host/there - 8000 -"_s, "http://host:8000"},
+        {u"http://host /live x -"_s, "http://host:0/live"},
+        {u"http://host /live  -"_s, "http://host:0/live"},
+        {u"http://host /live 70000 -"_s, {}},
+        {u"http://host /live -1 -"_s, {}},
+        {u"http://host:99/?a=b /live 8000 -"_s, "http://host:8000/live?a=b/live"},
+        {u"http://host /a_b/\u00e9?%41 8000 -"_s, "http://host:8000/a%20b/%C3%A9%3F%2541?%2541"},
+        {u"host /live 8000 -"_s, {}},
+        {u"http://host/ live 8000 -"_s, {}},
+        {u"http://host /live 8000 "_s, {}},
+    };
+    for (const auto &[parts, address] : rows) {
+        QTest::newRow(qUtf8Printable(parts)) << parts << address;
+    }
+}
+
+void TestStreamPlayback::privateUrls()
+{
+    QFETCH(QString, parts);
+    RadioModel model;
+    const QStringList texts = parts.split(u' ').replaceInStrings(u"_"_s, u" "_s);
+    const std::array fields{RadioField::url, RadioField::mountpoint, RadioField::port,
+                            RadioField::radioscheme};
+    for (std::size_t index = 0; index < fields.size(); ++index) {
+        const QString text = texts.value(static_cast<qsizetype>(index));
+        model.setValue(fields.at(index), text == u"-" ? QVariant() : text);
+    }
+    const QUrl made = privateStreamUrl(model);
+    QTEST(isHttpUrl(made) ? made.toEncoded() : QByteArray(), "address");
+}
+
+void TestStreamPlayback::privateHeaders()
+{
+    const QByteArray builtIn =
+        "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) Plumtide/100.0.0 Version/1.0.0";
+    const QByteArray safari = "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) AppleWebKit/537.75.14 (KHTML, "
+                              "like Gecko) Version/7.0.3 Safari/7046A194A";
+    const QByteArray firefox = "Mozilla/5.0 (Windows NT 6.3; rv:36.0) Gecko/20100101 Firefox/36.0";
+    const QList<std::pair<QVariant, QByteArray>> rows{
+        {{}, builtIn},     {0, builtIn}, {1, safari},          {u"2nd"_s, firefox},
+        {u"x"_s, builtIn}, {3, {}},      {1LL << 32, builtIn}, {-1, {}},
+    };
+    for (const auto &[stored, agent] : rows) {
+        HttpHeaders expected{{"Authorization", "Basic Og=="}};
+        if (!agent.isEmpty()) {
+            expected.prepend({"User-Agent", agent});
+        }
+        QCOMPARE(privateStreamHeaders(*std::make_unique<RadioModel>(), stored), expected);
+    }
+}
+
+void TestStreamPlayback::customStations()
+{
+    Stage stage(25, 3);
+    const auto model = std::make_shared<RadioModel>();
+    model->setUrl({});
+    model->setPort(u"8000"_s);
+    model->setMountpoint(u"/live"_s);
+    model->setName(u"Mine"_s);
+    stage.playback.playRadioCustomWithObject(model);
+    QVERIFY(stage.title.isNull() && stage.status.isNull());
+
+    model->setUrl(u"http://host"_s);
+    stage.playback.playRadioCustomWithObject(model);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.item().request.url.toEncoded(), "http://host/live:8000");
+    QCOMPARE(stage.item().request.headers, HttpHeaders());
+
+    model->setRadioIsPrivate(true);
+    stage.reportRanges();
+    stage.playback.playRadioCustomWithObject(model);
+    QCOMPARE(stage.title, u"Mine"_s);
+    QVERIFY(!stage.playback.isPlaying() && stage.backend.player == nullptr);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.item().request.url.toEncoded(), "http://host:8000/live");
+    QCOMPARE(stage.item().request.timeout, 25.0);
+    QCOMPARE(stage.item().request.headers, privateStreamHeaders(*model, 3));
 }
 
 void TestStreamPlayback::tuneInAddresses()

@@ -36,6 +36,8 @@ private Q_SLOTS:
     void deadCandidatesLeaveTime();
     void whatIsNoStreamIsFoundOut();
     void playlistsDoNotMultiply();
+    void headersGoToTheirOwner_data();
+    void headersGoToTheirOwner();
 };
 
 void TestStreamResolver::kinds_data()
@@ -141,7 +143,7 @@ void TestStreamResolver::candidates()
     server.script("/endless", "HTTP/1.0 200 OK\r\n\r\n[playlist]\n" + QByteArray(300 * 1024, 'x'),
                   ScriptedServer::After::StayOpen);
 
-    StreamResolver resolver(QUrl(server.address(QString::fromLatin1(start))), std::chrono::seconds(10));
+    StreamResolver resolver({.url = QUrl(server.address(QString::fromLatin1(start))), .timeout = 10});
     QStringList handedOut;
     connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
         handedOut.append(stream.path());
@@ -162,7 +164,7 @@ void TestStreamResolver::deadCandidatesLeaveTime()
     ScriptedServer server;
     server.scriptBody("/list", "[playlist]\nFile1=http://127.0.0.1:1/silent\nFile2=" +
                                    server.address(u"/live"_s).toLatin1());
-    StreamResolver resolver(QUrl(server.address(u"/list"_s)), std::chrono::seconds(2));
+    StreamResolver resolver({.url = QUrl(server.address(u"/list"_s)), .timeout = 2});
     const QSignalSpy found(&resolver, &StreamResolver::streamFound);
     resolver.start();
     // Nobody refuses the first one; its share of the time runs out.
@@ -178,7 +180,7 @@ void TestStreamResolver::whatIsNoStreamIsFoundOut()
     server.script("/sound", sound, ScriptedServer::After::StayOpen);
     server.scriptBody("/list",
                       server.address(u"/note\n"_s).toLatin1() + server.address(u"/sound"_s).toLatin1());
-    StreamResolver resolver(QUrl(server.address(u"/list"_s)), std::chrono::minutes(1));
+    StreamResolver resolver({.url = QUrl(server.address(u"/list"_s)), .timeout = 60});
     const QSignalSpy found(&resolver, &StreamResolver::streamFound);
     const QSignalSpy dropped(&resolver, &StreamResolver::streamDropped);
     resolver.start();
@@ -191,13 +193,70 @@ void TestStreamResolver::playlistsDoNotMultiply()
 {
     ScriptedServer server;
     server.scriptBody("/many", (server.address(u"/many"_s).toLatin1() + "\n").repeated(64));
-    StreamResolver resolver(QUrl(server.address(u"/many"_s)), std::chrono::seconds(10));
+    StreamResolver resolver({.url = QUrl(server.address(u"/many"_s)), .timeout = 10});
     connect(&resolver, &StreamResolver::streamFound, &resolver, &StreamResolver::refused,
             Qt::QueuedConnection);
     const QSignalSpy failed(&resolver, &StreamResolver::failed);
     resolver.start();
     QTRY_COMPARE(failed.size(), 1);
     QCOMPARE(server.requests().size(), StreamResolver::maximumCandidates);
+}
+
+void TestStreamResolver::headersGoToTheirOwner_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<bool>("own");
+    const QByteArray redirect = "HTTP/1.0 302 x\r\nLocation: ";
+    QTest::newRow("redirect") << redirect + "/list\r\n\r\n" << true;
+    QTest::newRow("redirect to another port") << redirect + "OTHER/list\r\n\r\n" << false;
+    QTest::newRow("redirect there and back") << redirect + "OTHER/back\r\n\r\n" << true;
+    QTest::newRow("playlist") << QByteArray("HTTP/1.0 200 OK\r\n\r\nOWN/list") << true;
+    QTest::newRow("playlist elsewhere") << QByteArray("HTTP/1.0 200 OK\r\n\r\nOTHER/list") << false;
+}
+
+/// Both what is asked here and what the player is to ask.
+void TestStreamResolver::headersGoToTheirOwner()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(bool, own);
+    ScriptedServer server;
+    ScriptedServer other;
+    const auto inFull = [&](QByteArray text) {
+        return text.replace("OTHER", other.address().toLatin1()).replace("OWN", server.address().toLatin1());
+    };
+    server.script("/start", inFull(answer));
+    other.script("/back", inFull("HTTP/1.0 302 x\r\nLocation: OWN/list\r\n\r\n"));
+    for (ScriptedServer *either : {&server, &other}) {
+        either->scriptBody("/list", (either->address() + u"/sound"_s).toLatin1());
+        either->script("/sound", sound, ScriptedServer::After::StayOpen);
+    }
+    StreamResolver resolver({.url = QUrl(server.address(u"/start"_s)),
+                             .headers = {{"user-agent", "Mine"},
+                                         {"Authorization", "Basic x"},
+                                         {"A", "b\r\nInjected: c"},
+                                         {"Injected\n", "c"},
+                                         {"Null", QByteArray("\0c", 2)}}});
+    QUrl last;
+    connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
+        last = stream;
+        QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
+    });
+    const QSignalSpy failed(&resolver, &StreamResolver::failed);
+    resolver.start();
+    QTRY_COMPARE(failed.size(), 1);
+
+    const HttpHeaders ownHeaders{{"user-agent", "Mine"}, {"Authorization", "Basic x"}};
+    const HttpHeaders usual{{"User-Agent", StreamResolver::userAgent()}};
+    QCOMPARE(last, QUrl((own ? server : other).address(u"/sound"_s)));
+    QCOMPARE(resolver.headersFor(last), own ? ownHeaders : usual);
+    for (const QByteArray &request : server.requests()) {
+        QVERIFY(request.contains(": Mine\r\n") && request.contains("Authorization: Basic x\r\n"));
+        QVERIFY(!request.contains("Injected") && !request.contains("Null"));
+    }
+    for (const QByteArray &request : other.requests()) {
+        QVERIFY(request.contains(usual.constFirst().second));
+        QVERIFY(!request.contains("Mine") && !request.contains("Basic"));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestStreamResolver)

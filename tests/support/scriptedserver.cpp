@@ -1,6 +1,7 @@
 #include "support/scriptedserver.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 namespace {
 QByteArray targetOf(const QByteArray &head)
@@ -67,9 +68,11 @@ void ScriptedServer::answer(QTcpSocket *socket)
     const auto found = answers_.find(targetOf(received).split('?').first());
     if (found != answers_.end()) {
         const Answer answer = found->size() > 1 ? found->takeFirst() : found->constFirst();
-        socket->write(answer.bytes);
-        if (answer.after == After::Close) {
-            socket->disconnectFromHost();
-        }
+        QTimer::singleShot(delay_, socket, [socket, answer] {
+            socket->write(answer.bytes);
+            if (answer.after == After::Close) {
+                socket->disconnectFromHost();
+            }
+        });
     }
 }

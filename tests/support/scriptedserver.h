@@ -29,6 +29,9 @@ public:
     /// An answer with a status line, a length and `body`.
     void scriptBody(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK");
 
+    /// How long every answer waits for, in milliseconds.
+    void setDelay(int delay) { delay_ = delay; }
+
     /// The request heads received so far, in order.
     const QList<QByteArray> &requests() const { return requests_; }
     /// The request targets, in order.
@@ -49,4 +52,5 @@ private:
     QHash<QByteArray, QList<Answer>> answers_;
     QList<QByteArray> requests_;
     int openConnections_ = 0;
+    int delay_ = 0;
 };

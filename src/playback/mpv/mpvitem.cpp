@@ -50,6 +50,12 @@ double secondsAt(const mpv_node &map, const char *key)
     return node != nullptr && node->format == MPV_FORMAT_DOUBLE ? node->u.double_ : 0;
 }
 
+/// As a value in a list of options, whatever stands in it.
+QByteArray verbatim(const QByteArray &text)
+{
+    return '%' + QByteArray::number(text.size()) + '%' + text;
+}
+
 bool flagAt(const mpv_node &map, const char *key)
 {
     const mpv_node *node = member(map, key);
@@ -138,8 +144,7 @@ void MpvItem::begin()
     handle_->observe("demuxer-cache-state", MPV_FORMAT_NODE);
     soundControl_ = std::make_unique<SoundControl>(*handle_, *conditions_.sound);
 
-    const auto timeout = std::chrono::milliseconds(static_cast<qint64>(request_.timeout * 1000));
-    resolver_ = std::make_unique<StreamResolver>(request_.url, timeout);
+    resolver_ = std::make_unique<StreamResolver>(request_);
     connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
     connect(resolver_.get(), &StreamResolver::streamDropped, this, &MpvItem::drop);
     connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail);
@@ -149,12 +154,20 @@ void MpvItem::begin()
 void MpvItem::load(const QUrl &stream)
 {
     entry_.reset();
-    std::vector<QByteArray> command{"loadfile", stream.toEncoded(), "replace"};
+    // Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of
+    // the one before when it takes them.
+    QByteArrayList options;
+    const HttpHeaders headers = resolver_->headersFor(stream);
+    for (const auto &[name, value] : headers) {
+        options.append(name.compare("User-Agent", Qt::CaseInsensitive) == 0
+                           ? "user-agent=" + verbatim(value)
+                           : "http-header-fields-append=" + verbatim(name + ": " + value));
+    }
     if (stream == std::exchange(stream_, stream)) {
         // It was taken for a format that it hardly resembled.
-        command.push_back("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
+        options.append("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
     }
-    handle_->command(command, ++loads_);
+    handle_->command({"loadfile", stream.toEncoded(), "replace", options.join(',')}, ++loads_);
 }
 
 /// What libmpv still has to say of the stream belongs to nobody.
