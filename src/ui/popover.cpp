@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHideEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QShortcut>
@@ -32,6 +33,7 @@ Popover::Popover(QWidget *window)
     // There is one for each popover that is open; they share the key.
     connect(escape, &QShortcut::activatedAmbiguously, this, &Popover::closeTopmost);
     window->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, &Popover::focusHasMoved);
 }
 
 void Popover::showRelativeTo(const QRect &rectangle, QWidget *view, Side preferred)
@@ -97,8 +99,36 @@ void Popover::closeTopmost()
     }
 }
 
+bool Popover::isElsewhere(const QPoint &position) const
+{
+    if (rect().contains(mapFromGlobal(position))) {
+        return false;
+    }
+    return !view_ || !rectangle_.contains(view_->mapFromGlobal(position));
+}
+
+/// Another application or a dialog takes the focus away, or is no part of this window.
+void Popover::focusHasMoved(QWidget *, QWidget *now)
+{
+    if (behaviour_ == Behaviour::SemiTransient && isShown() && now != nullptr && now != this &&
+        now->window() == window() && !isAncestorOf(now) && now != view_) {
+        close();
+    }
+}
+
 bool Popover::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
+        // What counts is the place: a press that no control inside wants comes by here again on its way to
+        // the window.
+        const auto *widget = qobject_cast<QWidget *>(watched);
+        if (behaviour_ == Behaviour::SemiTransient && isShown() && widget != nullptr &&
+            widget->window() == window() &&
+            isElsewhere(static_cast<QMouseEvent *>(event)->globalPosition().toPoint())) {
+            close();
+        }
+        return false;
+    }
     if (event->type() == QEvent::Resize && isShown() && view_) {
         // The layout has moved the control by the time that this is delivered.
         QMetaObject::invokeMethod(
@@ -131,6 +161,14 @@ void Popover::paintEvent(QPaintEvent *)
     painter.drawPath(outline.united(arrow));
 }
 
+void Popover::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (behaviour_ == Behaviour::SemiTransient) {
+        qApp->installEventFilter(this);
+    }
+}
+
 void Popover::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
@@ -138,6 +176,7 @@ void Popover::hideEvent(QHideEvent *event)
     if (event->spontaneous()) {
         return;
     }
+    qApp->removeEventFilter(this);
     if (focusBefore_ &&
         (QApplication::focusWidget() == nullptr || isAncestorOf(QApplication::focusWidget()))) {
         focusBefore_->setFocus();
