@@ -33,7 +33,6 @@ Popover::Popover(QWidget *window)
     // There is one for each popover that is open; they share the key.
     connect(escape, &QShortcut::activatedAmbiguously, this, &Popover::closeTopmost);
     window->installEventFilter(this);
-    connect(qApp, &QApplication::focusChanged, this, &Popover::focusHasMoved);
 }
 
 void Popover::showRelativeTo(const QRect &rectangle, QWidget *view, Side preferred)
@@ -99,35 +98,35 @@ void Popover::closeTopmost()
     }
 }
 
-bool Popover::isElsewhere(const QPoint &position) const
+bool Popover::isTurningElsewhere(const QWidget &widget, QEvent *event) const
 {
-    if (rect().contains(mapFromGlobal(position))) {
+    if (widget.window() != window()) {
         return false;
     }
-    return !view_ || !rectangle_.contains(view_->mapFromGlobal(position));
-}
-
-/// Another application or a dialog takes the focus away, or is no part of this window.
-void Popover::focusHasMoved(QWidget *, QWidget *now)
-{
-    if (behaviour_ == Behaviour::SemiTransient && isShown() && now != nullptr && now != this &&
-        now->window() == window() && !isAncestorOf(now) && now != view_) {
-        close();
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: {
+        // What counts is the place: a press that no control inside wants comes by again on its way to the
+        // window.
+        const QPoint position = static_cast<QMouseEvent *>(event)->globalPosition().toPoint();
+        return !rect().contains(mapFromGlobal(position)) &&
+               !(view_ && rectangle_.contains(view_->mapFromGlobal(position)));
+    }
+    case QEvent::FocusIn:
+        // The window gives the focus back to where it was when the user comes back to it.
+        return static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason &&
+               &widget != this && &widget != view_ && !isAncestorOf(&widget);
+    default:
+        return false;
     }
 }
 
 bool Popover::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
-        // What counts is the place: a press that no control inside wants comes by here again on its way to
-        // the window.
-        const auto *widget = qobject_cast<QWidget *>(watched);
-        if (behaviour_ == Behaviour::SemiTransient && isShown() && widget != nullptr &&
-            widget->window() == window() &&
-            isElsewhere(static_cast<QMouseEvent *>(event)->globalPosition().toPoint())) {
-            close();
-        }
-        return false;
+    const auto *widget = qobject_cast<QWidget *>(watched);
+    if (behaviour_ == Behaviour::SemiTransient && isShown() && widget != nullptr &&
+        isTurningElsewhere(*widget, event)) {
+        close();
     }
     if (event->type() == QEvent::Resize && isShown() && view_) {
         // The layout has moved the control by the time that this is delivered.

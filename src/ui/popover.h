@@ -52,9 +52,8 @@ protected:
 private:
     void place();
     void closeTopmost();
-    /// Whether a press at this place of the screen, in this window, is one on another control.
-    bool isElsewhere(const QPoint &position) const;
-    void focusHasMoved(QWidget *before, QWidget *now);
+    /// Whether `event`, on its way to `widget`, is the user's turning to another control of this window.
+    bool isTurningElsewhere(const QWidget &widget, QEvent *event) const;
 
     QRect rectangle_;
     QPointer<QWidget> view_;

@@ -110,8 +110,8 @@ void VAddRecord::buttonAction()
     model_->setRadioscheme(scheme.isEmpty() ? QStringLiteral("http") : scheme);
     if (delegate_ != nullptr) {
         // What the delegate does may lead to the next confirm.
-        const StationRecord data = model_;
-        delegate_->vaaddrecordDidFinish(this, data);
+        const StationRecord record = model_;
+        delegate_->vaaddrecordDidFinish(this, record);
     }
 }
 
