@@ -44,6 +44,17 @@ QString serverOf(const QUrl &url)
     return url.scheme() + QLatin1StringView("://") + url.host();
 }
 
+/// The address, with what a mount point in its own field says about the query.
+QUrl withQueryOf(const QString &mountpoint, QUrl url)
+{
+    if (!hasPath(url) && !url.hasQuery() && mountpoint.startsWith(u'/') && mountpoint.contains(u'?')) {
+        const QUrl parts(mountpoint);
+        url.setPath(parts.path());
+        url.setQuery(parts.query());
+    }
+    return url;
+}
+
 bool isWhole(const StationFormValues &form, const QUrl &url)
 {
     return url.port() != -1 || !url.userInfo().isEmpty() || hasPath(url) ||
@@ -89,7 +100,8 @@ StationFormValues joinedForm(StationFormValues form, const QUrl &url)
 
 StationFormAdvice publicAdvice(const StationFormValues &form)
 {
-    const QUrl url(form.url + form.mountpoint);
+    const bool hasTwoSlashes = form.url.endsWith(u'/') && form.mountpoint.startsWith(u'/');
+    const QUrl url(form.url.chopped(hasTwoSlashes ? 1 : 0) + form.mountpoint);
     if (!hasPath(url) && !url.hasQuery()) {
         if (url.port() == -1 && url.path().isEmpty()) {
             return {};
@@ -103,7 +115,7 @@ StationFormAdvice publicAdvice(const StationFormValues &form)
         return {Hint::PortInPublicAddress, remedy};
     }
     const bool isHeard = form.port.isEmpty() || form.port.toInt() == url.port();
-    if (url.hasQuery() && isOpenEnded(url.query()) && isHeard) {
+    if (url.hasQuery() && isOpenEnded(url.query()) && isHeard && !hasTwoSlashes) {
         return {};
     }
     return {Hint::PathInPublicAddress, joinedForm(form, url)};
@@ -138,10 +150,11 @@ StationFormAdvice addressAdvice(const StationFormValues &form, const QUrl &url)
         return {Hint::NoServer, {}};
     }
     if (!form.isPrivate && !url.userInfo().isEmpty()) {
-        return {Hint::UserInPublicAddress, splitForm(form, url)};
+        return {Hint::UserInPublicAddress, splitForm(form, withQueryOf(form.mountpoint, url))};
     }
-    if (form.isPrivate && isWhole(form, url)) {
-        return {Hint::WholeAddress, splitForm(form, url)};
+    const QUrl whole = withQueryOf(form.mountpoint, url);
+    if (form.isPrivate && isWhole(form, whole)) {
+        return {Hint::WholeAddress, splitForm(form, whole)};
     }
     return {};
 }
@@ -152,7 +165,7 @@ StationFormAdvice adviceFor(const StationFormValues &form)
     const bool hasAddress = !isBeingBegun(form.url);
     const QUrl url(form.url);
     if (hasAddress) {
-        if (const StationFormAdvice advice = addressAdvice(form, url); advice.hint != Hint::None) {
+        if (StationFormAdvice advice = addressAdvice(form, url); advice.hint != Hint::None) {
             return advice;
         }
     }
@@ -163,7 +176,7 @@ StationFormAdvice adviceFor(const StationFormValues &form)
         return {Hint::MountpointNoSlash, {}};
     }
     if (hasAddress) {
-        const StationFormAdvice advice = form.isPrivate ? privateAdvice(form, url) : publicAdvice(form);
+        StationFormAdvice advice = form.isPrivate ? privateAdvice(form, url) : publicAdvice(form);
         if (advice.hint != Hint::None) {
             return advice;
         }

@@ -5,9 +5,11 @@
 
 #include <QKeyEvent>
 #include <QToolButton>
+#include <algorithm>
 
 namespace {
-constexpr int hintLines = 2;
+/// Two lines of text in the usual font.
+constexpr int hintHeight = 40;
 
 /// The user can take it back in the field, as what he types himself.
 void replaceText(QLineEdit *field, const QString &text)
@@ -35,7 +37,7 @@ VAddRecord::VAddRecord(QWidget *parent)
     policy.setRetainSizeWhenHidden(true);
     ui_->remedyButton->setSizePolicy(policy);
     ui_->hintLabel->setForegroundRole(QPalette::PlaceholderText);
-    ui_->hintLabel->setFixedHeight(hintLines * ui_->hintLabel->fontMetrics().lineSpacing());
+    ui_->hintLabel->setFixedHeight(std::max(hintHeight, 2 * ui_->hintLabel->fontMetrics().lineSpacing()));
 
     for (const QLineEdit *field : {urlField(), portField(), mountpointField(), schemeField(), usernameField(),
                                    static_cast<QLineEdit *>(passwordField())}) {
@@ -174,13 +176,13 @@ void VAddRecord::showAdvice()
         remedy = tr("Remove them");
         break;
     case Hint::NoServer:
-        text = tr("The address is that of a server, as in http://radio.example.org");
+        text = tr("The address begins with http:// or https:// and the name of a server.");
         break;
     case Hint::UserInPublicAddress:
         text = tr("A station with a user name is a private one.");
         break;
     case Hint::WholeAddress:
-        text = tr("A private station is played from the fields below its address.");
+        text = tr("A private station takes port and mount point from their own fields.");
         break;
     case Hint::PortNoNumber:
         text = tr("The port is a number from 1 to 65535.");
@@ -189,11 +191,11 @@ void VAddRecord::showAdvice()
         text = tr("The mount point begins with a slash, as in /live");
         break;
     case Hint::PortInPublicAddress:
-        text = tr("The port is put behind all of the address, which ends with the server's name.");
+        text =
+            tr("The port is put last and has a field of its own. The address ends with the server's name.");
         break;
     case Hint::PathInPublicAddress:
-        text =
-            tr("The port is put behind the mount point. Servers find the stream if a \"?\" is between them.");
+        text = tr("The port is put last. A \"?\" before it lets the server find the mount point.");
         remedy = tr("Join into address");
         break;
     case Hint::PortMissing:
