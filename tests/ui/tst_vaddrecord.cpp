@@ -44,7 +44,6 @@ class TestVAddRecord : public QObject
 
 private Q_SLOTS:
     void initTestCase() { applyLook(*qApp); }
-
     void confirmTakesTheFormAsItStands()
     {
         VAddRecord editor;
@@ -86,8 +85,7 @@ private Q_SLOTS:
             Hint hint;
             QString remedy = {};
         } const table[] = {
-            {{u""_s, u"http:/"_s, u"http://h|65535"_s, u"http://h:8000/live?"_s, u"http://h/a?x&"_s},
-             Hint::None},
+            {{u""_s, u"http:/"_s, u"http://h|65535"_s, u"http://h:8/m?"_s, u"http://h/a?x&"_s}, Hint::None},
             {{u"radio.example.org"_s, u"ftp://h||||||P"_s, u"http://h:99999"_s}, Hint::NoServer},
             {{u"|0"_s, u"|65536"_s, u"|80 "_s, u"|-1"_s, u"http://h|\u0668||||P"_s}, Hint::PortNoNumber},
             {{u"http://h||live"_s, u"http://h|8|live?x||||P"_s}, Hint::MountpointNoSlash},
@@ -166,10 +164,7 @@ private Q_SLOTS:
             QCOMPARE(popover.isShown(), shown);
         }
         elsewhere.setFocus();
-        QVERIFY2(!popover.isShown(), "the keyboard turns to another control as well");
-        QCOMPARE(QApplication::focusWidget(), &elsewhere);
-        QVERIFY(other.isShown());
-
+        QVERIFY(!popover.isShown() && elsewhere.hasFocus());
         VAddRecord *editor = popover.editor();
         editor->titleField()->setText(u"kept"_s);
         QTest::mouseClick(&opener, Qt::LeftButton);
