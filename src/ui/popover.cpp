@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHideEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QShortcut>
@@ -97,8 +98,36 @@ void Popover::closeTopmost()
     }
 }
 
+bool Popover::isTurningElsewhere(const QWidget &widget, QEvent *event) const
+{
+    if (widget.window() != window()) {
+        return false;
+    }
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: {
+        // What counts is the place: a press that no control inside wants comes by again on its way to the
+        // window.
+        const QPoint position = static_cast<QMouseEvent *>(event)->globalPosition().toPoint();
+        return !rect().contains(mapFromGlobal(position)) &&
+               !(view_ && rectangle_.contains(view_->mapFromGlobal(position)));
+    }
+    case QEvent::FocusIn:
+        // The window gives the focus back to where it was when the user comes back to it.
+        return static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason &&
+               &widget != this && &widget != view_ && !isAncestorOf(&widget);
+    default:
+        return false;
+    }
+}
+
 bool Popover::eventFilter(QObject *watched, QEvent *event)
 {
+    const auto *widget = qobject_cast<QWidget *>(watched);
+    if (behaviour_ == Behaviour::SemiTransient && isShown() && widget != nullptr &&
+        isTurningElsewhere(*widget, event)) {
+        close();
+    }
     if (event->type() == QEvent::Resize && isShown() && view_) {
         // The layout has moved the control by the time that this is delivered.
         QMetaObject::invokeMethod(
@@ -131,6 +160,14 @@ void Popover::paintEvent(QPaintEvent *)
     painter.drawPath(outline.united(arrow));
 }
 
+void Popover::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (behaviour_ == Behaviour::SemiTransient) {
+        qApp->installEventFilter(this);
+    }
+}
+
 void Popover::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
@@ -138,6 +175,7 @@ void Popover::hideEvent(QHideEvent *event)
     if (event->spontaneous()) {
         return;
     }
+    qApp->removeEventFilter(this);
     if (focusBefore_ &&
         (QApplication::focusWidget() == nullptr || isAncestorOf(QApplication::focusWidget()))) {
         focusBefore_->setFocus();

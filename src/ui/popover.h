@@ -5,7 +5,7 @@
 #include <QWidget>
 
 /// A card that floats over its window, beside the control that opened it. It takes no click away from what
-/// lies around it, and stays until whoever opened it closes it, or Esc does.
+/// lies around it, and stays until whoever opened it closes it, or Esc does, or its behaviour asks for it.
 class Popover : public QWidget
 {
     Q_OBJECT
@@ -15,6 +15,17 @@ public:
     explicit Popover(QWidget *window);
 
     bool isShown() const { return isVisible(); }
+
+    enum class Behaviour {
+        /// It closes when it is told to.
+        ApplicationDefined = 0,
+        /// It closes as well when the user turns to another control of its window, by a press, which that
+        /// control gets, or with the keyboard. The control that opened it is left to close it. Other windows
+        /// and applications do not count.
+        SemiTransient = 2,
+    };
+    Behaviour behaviour() const { return behaviour_; }
+    void setBehaviour(Behaviour behaviour) { behaviour_ = behaviour; }
 
     enum class Side { Below, Above };
 
@@ -35,16 +46,20 @@ protected:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private:
     void place();
     void closeTopmost();
+    /// Whether `event`, on its way to `widget`, is the user's turning to another control of this window.
+    bool isTurningElsewhere(const QWidget &widget, QEvent *event) const;
 
     QRect rectangle_;
     QPointer<QWidget> view_;
     QPointer<QWidget> focusBefore_;
     Side preferred_ = Side::Below;
+    Behaviour behaviour_ = Behaviour::ApplicationDefined;
     bool hasContent_ = false;
     bool below_ = true;
     /// Where the arrow points, in this widget's own coordinates.
