@@ -1,23 +1,66 @@
 #include "settings/storedsettings.h"
 
-StoredSettings::StoredSettings()
-    : settings_(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("plumtide"),
+#include <QLoggingCategory>
+
+namespace {
+Q_LOGGING_CATEGORY(lcSettings, "plumtide.settings")
+
+const QString timeoutKey = QStringLiteral("timeout_value");
+const QString queryKey = QStringLiteral("query_value");
+const QString userAgentKey = QStringLiteral("useragent_value");
+} // namespace
+
+StoredSettings::File::File()
+    : QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("plumtide"),
                 QStringLiteral("plumtide"))
 {
-    settings_.setFallbacksEnabled(false);
+    setFallbacksEnabled(false);
 }
 
 QVariant StoredSettings::timeout() const
 {
-    return settings_.value("timeout_value");
+    return stored(timeoutKey);
 }
 
 QString StoredSettings::queryLimit() const
 {
-    return settings_.value("query_value").toString();
+    bool isInteger = false;
+    // By way of its text: QVariant would cut off what does not fit.
+    const qint64 limit = stored(queryKey).toString().toLongLong(&isInteger);
+    return isInteger ? QString::number(limit) : QString();
 }
 
 QVariant StoredSettings::userAgent() const
 {
-    return settings_.value("useragent_value");
+    return stored(userAgentKey);
+}
+
+void StoredSettings::setTimeout(qint64 seconds)
+{
+    settings_.setValue(timeoutKey, seconds);
+}
+
+void StoredSettings::setQueryLimit(qint64 stations)
+{
+    settings_.setValue(queryKey, stations);
+}
+
+void StoredSettings::setUserAgent(int index)
+{
+    settings_.setValue(userAgentKey, index);
+}
+
+void StoredSettings::synchronize()
+{
+    File file;
+    file.sync();
+    if (file.status() != QSettings::NoError) {
+        qCWarning(lcSettings).noquote() << "cannot write" << file.fileName();
+    }
+}
+
+QVariant StoredSettings::stored(const QString &key)
+{
+    QVariant value = File().value(key);
+    return value.canConvert<qint64>() && !value.toString().isEmpty() ? value : QVariant();
 }
