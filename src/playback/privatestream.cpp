@@ -4,17 +4,9 @@
 #include "directory/leadinginteger.h"
 #include "model/radiomodel.h"
 #include "model/rvobject.h"
-
-#include <array>
+#include "model/useragents.h"
 
 namespace {
-/// By the number that is stored for each; the first is the built-in one.
-constexpr std::array agents{
-    "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) Plumtide/100.0.0 Version/1.0.0",
-    "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) AppleWebKit/537.75.14 (KHTML, like Gecko) Version/7.0.3 "
-    "Safari/7046A194A",
-    "Mozilla/5.0 (Windows NT 6.3; rv:36.0) Gecko/20100101 Firefox/36.0",
-};
 constexpr qint64 highestPort = 65535;
 
 /// A choice is a number of 32 bits, however it is stored: of a longer one the lower bits count.
@@ -37,6 +29,8 @@ QUrl privateStreamUrl(const RadioModel &model)
     url.setScheme(scheme.isNull() ? QStringLiteral("http") : scheme);
     url.setPath(mountpoint, QUrl::DecodedMode);
     url.setPort(static_cast<int>(port));
+    // The record has fields for these; in an address they would be shown as the name of the sound's source.
+    url.setUserInfo({});
     return url;
 }
 
@@ -44,8 +38,9 @@ HttpHeaders privateStreamHeaders(const RadioModel &model, const QVariant &stored
 {
     HttpHeaders headers;
     const qint32 choice = agentChoice(storedUserAgent);
-    if (choice >= 0 && choice < static_cast<qint32>(agents.size())) {
-        headers.emplaceBack("User-Agent", agents[static_cast<std::size_t>(choice)]);
+    if (choice >= 0 && choice < static_cast<qint32>(userAgents.size())) {
+        const QLatin1StringView agent = userAgents[static_cast<std::size_t>(choice)];
+        headers.emplaceBack("User-Agent", QByteArray(agent.data(), agent.size()));
     }
     headers.emplaceBack("Authorization",
                         RVObject::standardBasicAuthWithUsername(model.text(RadioField::username),

@@ -159,9 +159,13 @@ void MpvItem::load(const QUrl &stream)
     QByteArrayList options;
     const HttpHeaders headers = resolver_->headersFor(stream);
     for (const auto &[name, value] : headers) {
-        options.append(name.compare("User-Agent", Qt::CaseInsensitive) == 0
-                           ? "user-agent=" + verbatim(value)
-                           : "http-header-fields-append=" + verbatim(name + ": " + value));
+        if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
+            options.append("user-agent=" + verbatim(value));
+        } else {
+            options.append("http-header-fields-append=" + verbatim(name + ": " + value));
+            // What is meant for one server only goes to one that has shown that it is that server.
+            options.append("tls-verify=yes");
+        }
     }
     if (stream == std::exchange(stream_, stream)) {
         // It was taken for a format that it hardly resembled.
