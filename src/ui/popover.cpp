@@ -128,7 +128,7 @@ bool Popover::eventFilter(QObject *watched, QEvent *event)
         isTurningElsewhere(*widget, event)) {
         close();
     }
-    if (event->type() == QEvent::Resize && isShown() && view_) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize && isShown() && view_) {
         // The layout has moved the control by the time that this is delivered.
         QMetaObject::invokeMethod(
             this, [this] { follow(view_); }, Qt::QueuedConnection);

@@ -127,11 +127,9 @@ void VAddRecord::keyPressEvent(QKeyEvent *event)
     if (event->isAutoRepeat()) {
         return;
     }
-    if (ui_->remedyButton->hasFocus()) {
-        ui_->remedyButton->click();
-    } else {
-        ui_->confirmButton->click();
-    }
+    auto *focused = qobject_cast<QAbstractButton *>(focusWidget());
+    const bool presses = focused != nullptr && focused != ui_->switchButton;
+    (presses ? focused : ui_->confirmButton)->click();
 }
 
 void VAddRecord::showEvent(QShowEvent *event)
