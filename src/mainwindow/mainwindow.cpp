@@ -3,6 +3,7 @@
 #include "mainwindow/rackcommands.h"
 #include "mainwindow/soundbinding.h"
 #include "mainwindow/tablecommands.h"
+#include "ui/addrecordpopover.h"
 #include "ui/audiopopover.h"
 #include "ui/stationpopover.h"
 #include "ui/svgicon.h"
@@ -45,6 +46,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
                                 .playerStatusString = ui_->playerStatusString,
                                 .subtitleStatusString = ui_->subtitleStatusString,
                                 .audioPopOver = audioPopOver_,
+                                .customRadioPopOver = new AddRecordPopover(this),
                                 .rack = rack};
     player_ = std::make_unique<Player>(outlets, endpoints, backend);
     bindTransport();
@@ -52,6 +54,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
     bindMenus();
     bindSearch();
     bindLists();
+    bindOwnStations();
     connect(&player_->stationDirectory(), &StationDirectory::busyChanged, this, &MainWindow::showPlaceholder);
     player_->awakeFromNib();
     layOut();
@@ -129,10 +132,23 @@ void MainWindow::bindLists()
     rackCommands_ = std::make_unique<RackCommands>(*ui_, player_->favouritesRack(), player_->rackActions());
 }
 
+void MainWindow::bindOwnStations()
+{
+    ui_->addStationButton->setIcon(svgIcon(QStringLiteral("add"), boxInk));
+    const auto toggle = [this] { player_->customRadioAction(ui_->addStationButton); };
+    connect(ui_->addStationButton, &QToolButton::clicked, this, toggle);
+    connect(ui_->addStationAction, &QAction::triggered, this, toggle);
+    connect(ui_->addBlankStationAction, &QAction::triggered, this, [this] {
+        player_->addCustomRadioData();
+        ui_->myCollectionView->scrollToIndex(0);
+    });
+}
+
 void MainWindow::bindMenus()
 {
-    connect(ui_->saveRackAction, &QAction::triggered, player_.get(),
-            [this] { player_->menuActions(ui_->saveRackAction); });
+    for (QAction *action : {ui_->preferencesAction, ui_->saveRackAction}) {
+        connect(action, &QAction::triggered, player_.get(), [this, action] { player_->menuActions(action); });
+    }
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
     qApp->installEventFilter(this);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);

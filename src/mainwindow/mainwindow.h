@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <memory>
 
+class AddRecordPopover;
 class AudioPopover;
 class RackCommands;
 class SoundBinding;
@@ -42,6 +43,7 @@ private:
     void bindSound(Backend &backend);
     void bindSearch();
     void bindLists();
+    void bindOwnStations();
     void bindMenus();
     void showRunning(bool running);
     void showPlaceholder(bool busy);

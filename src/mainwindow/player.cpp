@@ -5,7 +5,8 @@
 #include "mainwindow/dragpayload.h"
 #include "model/rvobject.h"
 #include "playback/tuneinaddress.h"
-#include "ui/popover.h"
+#include "settings/wpreferences.h"
+#include "ui/addrecordpopover.h"
 #include "ui/rvtableview.h"
 #include "ui/spinner.h"
 #include "ui/stationpopover.h"
@@ -24,6 +25,7 @@ Q_LOGGING_CATEGORY(lcStatus, "plumtide.status", QtWarningMsg)
 
 constexpr int playPauseTag = 200;
 constexpr int stopTag = 202;
+constexpr int preferencesTag = 301;
 constexpr int saveTag = 302;
 
 /// Where the rack is kept, in the user's music folder.
@@ -33,6 +35,17 @@ const QString favouritesFile = QStringLiteral("plumtide.data");
 constexpr qreal itemCornerRadius = 8.0;
 constexpr QColor itemBorderGrey(128, 128, 128, 80);
 constexpr qreal itemBorderWidth = 5.0;
+
+/// Opens the popover beside `sender`, which may be null, or closes it.
+void toggle(Popover &popover, QWidget *sender)
+{
+    if (popover.isShown()) {
+        popover.close();
+    } else {
+        QWidget *view = sender != nullptr ? sender : popover.parentWidget();
+        popover.showRelativeTo(sender != nullptr ? sender->rect() : QRect(), view, Popover::Side::Above);
+    }
+}
 } // namespace
 
 Player::Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
@@ -50,6 +63,8 @@ Player::Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints
 {
 }
 
+Player::~Player() = default;
+
 void Player::awakeFromNib()
 {
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { radioDataChanges(willTerminate); });
@@ -63,6 +78,9 @@ void Player::awakeFromNib()
     if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
         FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
     }
+    outlets_.customRadioPopOver->setDelegate(this);
+    outlets_.customRadioPopOver->setBehaviour(Popover::Behaviour::SemiTransient);
+    preferences_ = std::make_unique<WPreferences>(settings_);
     directory_.getTop500();
 }
 
@@ -89,8 +107,15 @@ void Player::radioDataChanges(QLatin1StringView notification)
 
 void Player::menuActions(const QAction *sender)
 {
-    if (sender->property("tag").toInt() == saveTag) {
+    switch (sender->property("tag").toInt()) {
+    case preferencesTag:
+        preferences_->showWindow();
+        break;
+    case saveTag:
         saveRack();
+        break;
+    default:
+        break;
     }
 }
 
@@ -143,6 +168,29 @@ void Player::searchForRadio()
     if (!text.isEmpty()) {
         directory_.getRadioByQuery(RVObject::airAPIFormatStyle(text));
     }
+}
+
+void Player::customRadioAction(QWidget *sender)
+{
+    toggle(*outlets_.customRadioPopOver, sender);
+}
+
+void Player::addCustomRadioData()
+{
+    auto station = std::make_shared<RadioModel>();
+    station->setCustom(true);
+    station->setImageFilePath(QString(RadioModel::customArtwork));
+    rack_.insertObjectAtArrangedObjectIndex(station, 0);
+    rack_.rearrangeObjects();
+}
+
+void Player::vaaddrecordDidFinish(VAddRecord *, const StationRecord &data)
+{
+    if (data) {
+        rack_.addObject(data);
+        rack_.rearrangeObjects();
+    }
+    outlets_.customRadioPopOver->close();
 }
 
 QString Player::tableItemAddress(int row) const
@@ -205,13 +253,7 @@ void Player::spaceKeyAction()
 
 void Player::audioButtonAction(QWidget *sender)
 {
-    Popover *popover = outlets_.audioPopOver;
-    if (popover->isShown()) {
-        popover->close();
-    } else {
-        QWidget *view = sender != nullptr ? sender : popover->parentWidget();
-        popover->showRelativeTo(sender != nullptr ? sender->rect() : QRect(), view);
-    }
+    toggle(*outlets_.audioPopOver, sender);
 }
 
 void Player::setTitle(const QString &text)

@@ -8,15 +8,19 @@
 #include "model/valuetransformers.h"
 #include "playback/streamplayback.h"
 #include "settings/storedsettings.h"
+#include "ui/vaddrecord.h"
 
 #include <QObject>
+#include <memory>
 
 class QAbstractButton;
 class QAction;
 class QLabel;
 class QLineEdit;
+class AddRecordPopover;
 class Popover;
 class Spinner;
+class WPreferences;
 
 /// What the window's layout gives the hub to work with. The window owns them all.
 struct PlayerOutlets
@@ -27,6 +31,7 @@ struct PlayerOutlets
     QLabel *playerStatusString;
     QLabel *subtitleStatusString;
     Popover *audioPopOver;
+    AddRecordPopover *customRadioPopOver;
     RackOutlets rack;
 };
 
@@ -40,13 +45,14 @@ struct DirectoryEndpoints
 
 /// The hub of the main window: owns the concerns, connects them with each other and with the outlets, and is
 /// the home of what crosses concerns. Lives on the main thread as long as the window.
-class Player : public QObject
+class Player : public QObject, public VAddRecordDelegate
 {
     Q_OBJECT
 
 public:
     Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
            QObject *parent = nullptr);
+    ~Player() override;
 
     /// The notice that the application is about to end.
     static constexpr QLatin1StringView willTerminate{"ApplicationWillTerminate"};
@@ -57,7 +63,8 @@ public:
     /// Saves the rack on the notice willTerminate, and says in the log whether that worked; does nothing on
     /// any other.
     void radioDataChanges(QLatin1StringView notification);
-    /// The action of the menu items, told apart by their "tag": 302 saves the rack, without a word.
+    /// The action of the menu items, told apart by their "tag": 301 shows the preferences, 302 saves the
+    /// rack, without a word.
     void menuActions(const QAction *sender);
 
     // The directory.
@@ -67,6 +74,14 @@ public:
     /// The address of the playlist of the station in that row of the table; null where there is none, or no
     /// tune-in record.
     QString tableItemAddress(int row) const;
+
+    // Stations of the user's own.
+    /// Opens the form beside `sender`, which may be null, or closes it.
+    void customRadioAction(QWidget *sender);
+    /// Puts a blank station at the front of the rack.
+    void addCustomRadioData();
+    /// Takes the station from the form into the rack, at the end, and closes the form.
+    void vaaddrecordDidFinish(VAddRecord *sender, const StationRecord &data) override;
 
     // Playing.
     /// Plays the station in the table's clicked row.
@@ -102,6 +117,7 @@ private:
     PlayerOutlets outlets_;
     QString tuneInBaseAddress_;
     StoredSettings settings_;
+    std::unique_ptr<WPreferences> preferences_;
     StationDirectory directory_;
     StationTable stationTable_;
     StreamPlayback playback_;

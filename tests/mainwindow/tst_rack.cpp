@@ -1,19 +1,26 @@
 #include "directory/exception.h"
 #include "mainwindow/dragpayload.h"
+#include "settings/matrix.h"
 #include "support/windowstage.h"
+#include "ui/addrecordpopover.h"
+#include "ui/passwordfield.h"
 #include "ui/rackitem.h"
 #include "ui/rackview.h"
 #include "ui/rvimageview.h"
 #include "ui/starlevel.h"
 #include "ui/stationpopover.h"
+#include "ui/vaddrecord.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QDialog>
 #include <QDir>
 #include <QLineEdit>
 #include <QLoggingCategory>
 #include <QMimeData>
 #include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
@@ -120,6 +127,8 @@ private Q_SLOTS:
     void editsReachTheTile();
     void menuCommands();
     void keysReachTheTiles();
+    void ownStationsComeIntoTheRack();
+    void preferencesRuleTheNextRequest();
     void pointerFillsAndOrdersTheRack();
     void dragImageTakesItsColumnByTheRow();
     void rackIsSavedOnTheNoticeAlone();
@@ -375,6 +384,65 @@ void TestRack::keysReachTheTiles()
     QVERIFY(details->isShown() && !editor->isShown());
     press(Qt::Key_Escape);
     QVERIFY(!details->isShown());
+}
+
+void TestRack::ownStationsComeIntoTheRack()
+{
+    Stage stage(u"A"_s);
+    auto *button = stage.find<QToolButton>(u"addStationButton"_s);
+    auto *popover = stage.find<AddRecordPopover>(u"customRadioPopOver"_s);
+    button->click();
+    QVERIFY(popover->isShown());
+    button->click();
+    QVERIFY(!popover->isShown());
+    button->click();
+    VAddRecord *editor = popover->editor();
+    editor->titleField()->setText(u"B"_s);
+    editor->urlField()->setText(u"http://host"_s);
+    editor->portField()->setText(u"8000"_s);
+    editor->usernameField()->setText(u"me"_s);
+    editor->switchButton()->setChecked(true);
+    editor->confirmButton()->click();
+    QVERIFY(!popover->isShown());
+    stage.trigger(u"addBlankStationAction"_s);
+    QCOMPARE(stage.names(), u"My RadioAB"_s);
+    QCOMPARE(stage.station(0)->custom(), true);
+    QCOMPARE(stage.station(0)->imageFilePath(), u"QVX-002XY3.png"_s);
+
+    // The new station plays with its credentials.
+    stage.actions().doubleClickRVImage(stage.item(2)->artwork());
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    const StreamRequest &request = stage.backend.player->item().request;
+    QCOMPARE(request.url, QUrl(u"http://host:8000"_s));
+    QCOMPARE(request.headers.size(), 2);
+    QCOMPARE(request.headers.at(1), qMakePair("Authorization"_ba, "Basic " + "me:"_ba.toBase64()));
+}
+
+void TestRack::preferencesRuleTheNextRequest()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.server.requests().size(), 1);
+    stage.trigger(u"preferencesAction"_s);
+    QDialog *window = nullptr;
+    for (QWidget *other : QApplication::topLevelWidgets()) {
+        if (auto *dialog = qobject_cast<QDialog *>(other); dialog != nullptr && dialog->isVisible()) {
+            window = dialog;
+        }
+    }
+    QVERIFY(window != nullptr);
+    window->findChild<Matrix *>(u"matrixQuery"_s)->selectCellAt(0, 3);
+    for (auto *button : window->findChildren<QPushButton *>()) {
+        if (button->property("tag").toInt() == 2) {
+            button->click();
+        }
+    }
+    QVERIFY(!window->isVisible());
+    stage.trigger(u"topStationsAction"_s);
+    QTRY_COMPARE(stage.server.requests().size(), 2);
+    QVERIFY(stage.server.targets().at(1).endsWith("&limit=200"));
+    stage.actions().playRequested(u"http://host/"_s, u"x"_s);
+    QTRY_VERIFY(stage.backend.player != nullptr);
+    QCOMPARE(stage.backend.player->item().request.timeout, 10.0);
 }
 
 void TestRack::pointerFillsAndOrdersTheRack()
