@@ -23,6 +23,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -423,13 +424,12 @@ void TestRack::preferencesRuleTheNextRequest()
     Stage stage;
     QTRY_COMPARE(stage.server.requests().size(), 1);
     stage.trigger(u"preferencesAction"_s);
-    QDialog *window = nullptr;
-    for (QWidget *other : QApplication::topLevelWidgets()) {
-        if (auto *dialog = qobject_cast<QDialog *>(other); dialog != nullptr && dialog->isVisible()) {
-            window = dialog;
-        }
-    }
-    QVERIFY(window != nullptr);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto shown = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
+        return qobject_cast<const QDialog *>(window) != nullptr && window->isVisible();
+    });
+    QVERIFY(shown != windows.end());
+    const QWidget *window = *shown;
     window->findChild<Matrix *>(u"matrixQuery"_s)->selectCellAt(0, 3);
     for (auto *button : window->findChildren<QPushButton *>()) {
         if (button->property("tag").toInt() == 2) {
