@@ -6,6 +6,7 @@
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
 #include "readenvironment.h"
+#include "settings/statefile.h"
 #include "ui/look.h"
 #include "ui/rvtableview.h"
 
@@ -149,8 +150,9 @@ int main(int argc, char *argv[])
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
-    applyLook(application);
-    MainWindow window(endpoints, backend);
+    StateFile state;
+    applyLook(application, MainWindow::appearance(state));
+    MainWindow window(endpoints, backend, state);
     QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
     window.show();
     const Storm storm(window);

@@ -5,6 +5,7 @@
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
 #include "readenvironment.h"
+#include "settings/statefile.h"
 #include "ui/look.h"
 
 #include <QApplication>
@@ -59,8 +60,9 @@ int runReal(int argc, char **argv)
     const auto [endpoints, audioOutput, pausedBufferBytes] = readEnvironment();
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
-    applyLook(application);
-    MainWindow window(endpoints, backend);
+    StateFile state;
+    applyLook(application, MainWindow::appearance(state));
+    MainWindow window(endpoints, backend, state);
     QObject::connect(&window, &MainWindow::firstFramePainted, &window, [] { std::_Exit(0); });
     window.show();
     return QApplication::exec();

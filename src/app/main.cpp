@@ -6,6 +6,7 @@
 #include "directory/exception.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
+#include "settings/statefile.h"
 #include "ui/look.h"
 #include "ui/svgicon.h"
 
@@ -70,14 +71,15 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
     Application application(argc, argv);
     // The toolkit has just taken over the user's locale; libmpv wants numbers with a point.
     std::setlocale(LC_NUMERIC, "C");
-    applyLook(application);
+    StateFile state;
+    applyLook(application, MainWindow::appearance(state));
     QApplication::setWindowIcon(svgIcon(QStringLiteral("plumtide")));
 
     int status = 0;
     {
         const QuitSignals quitSignals;
         QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
-        MainWindow window(environment.endpoints, backend);
+        MainWindow window(environment.endpoints, backend, state);
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
         QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
         openWindow = &window;

@@ -68,7 +68,7 @@ void StationDirectory::takeAnswer(const FetchOutcome &outcome, int model)
         // The status line keeps saying what was tried; the reason is for the log.
         qCWarning(lcDirectory).noquote()
             << "no answer from the directory:" << displayText(error->description);
-        showNoStations();
+        showNoStations(Outcome::NoAnswer);
         return;
     }
     Q_EMIT statusChanged(QStringLiteral("Download Complete"));
@@ -88,10 +88,11 @@ void StationDirectory::updateReadWriteData()
             entries.append(raw.withNumbers());
         }
         radioData_ = std::move(entries);
+        outcome_ = Outcome::Read;
         Q_EMIT stationsReloaded();
     } catch (const Exception &) {
         // Whoever shows the list could not take it: better none than half of one.
-        showNoStations();
+        showNoStations(Outcome::Unusable);
     }
 }
 
@@ -127,13 +128,14 @@ void StationDirectory::parse(const QByteArray &answer)
         qCWarning(lcDirectory).noquote()
             << "the directory's answer is not usable:" << parserSC500_->errorText();
         radiocallbackData500_.clear();
-        showNoStations();
+        showNoStations(Outcome::Unusable);
     }
 }
 
-void StationDirectory::showNoStations()
+void StationDirectory::showNoStations(Outcome outcome)
 {
     radioData_ = {};
+    outcome_ = outcome;
     Q_EMIT stationsReloaded();
 }
 
@@ -171,7 +173,7 @@ void StationDirectory::parserDidEndElement(AnswerParser &, QByteArrayView)
 void StationDirectory::parserDidEndDocument(AnswerParser &)
 {
     if (xmlError_) {
-        showNoStations();
+        showNoStations(Outcome::Unusable);
     } else {
         updateReadWriteData();
     }

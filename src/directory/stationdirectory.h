@@ -33,6 +33,17 @@ public:
     /// Whether the station in row `left` of the list as it stands goes before the one in row `right`.
     using RowComparison = std::function<bool(qsizetype left, qsizetype right)>;
 
+    /// What came of the request whose answer arrived last.
+    enum class Outcome {
+        /// None has arrived.
+        Awaited,
+        /// There is an answer, and it has been read.
+        Read,
+        NoAnswer,
+        /// There is an answer that is no station list.
+        Unusable,
+    };
+
     /// The one kind of answer that is parsed.
     static constexpr int stationListModel = 1;
     static constexpr qsizetype maximumStations = 100'000;
@@ -68,6 +79,8 @@ public:
     /// The parser of the latest answer; null before the first.
     const AnswerParser *parserSC500() const { return parserSC500_.get(); }
     bool xmlError() const { return xmlError_; }
+    /// Up to date when stationsReloaded() is sent.
+    Outcome outcome() const { return outcome_; }
 
 Q_SIGNALS:
     /// Whether a request has just begun or an answer just arrived.
@@ -80,7 +93,7 @@ private:
     QString address(const QString &path) const;
     QString limitParameter() const;
     void parse(const QByteArray &answer);
-    void showNoStations();
+    void showNoStations(Outcome outcome);
 
     void parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
                                const AttributeMap &attributes) override;
@@ -94,5 +107,6 @@ private:
     QList<AttributeMap> radiocallbackData500_;
     std::unique_ptr<AnswerParser> parserSC500_;
     bool xmlError_ = false;
+    Outcome outcome_ = Outcome::Awaited;
     int loggedRuns_ = 0;
 };

@@ -3,19 +3,27 @@
 #include "mainwindow/rackcommands.h"
 #include "mainwindow/soundbinding.h"
 #include "mainwindow/tablecommands.h"
+#include "mainwindow/windowmemory.h"
+#include "settings/statefile.h"
 #include "ui/addrecordpopover.h"
 #include "ui/audiopopover.h"
+#include "ui/look.h"
 #include "ui/stationpopover.h"
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
 
+#include <QActionGroup>
 #include <QKeyEvent>
+#include <algorithm>
 #include <array>
 
 namespace {
 // On the white tool-bar box the ink is dark in every palette.
 constexpr QRgb boxInk = 0xff4b4550;
 constexpr QRgb playInk = 0xffffffff;
+
+/// In the order of Appearance.
+constexpr QLatin1StringView appearanceKey("window/appearance");
 
 constexpr qreal titleScale = 1.35;
 constexpr qreal secondaryScale = 0.95;
@@ -31,8 +39,10 @@ void scaleFont(QWidget *widget, qreal factor)
 }
 } // namespace
 
-MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
+MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, StateFile &state)
     : ui_(std::make_unique<Ui::MainWindow>())
+    , state_(state)
+    , memory_(std::make_unique<WindowMemory>(state))
     , audioPopOver_(new AudioPopover(this))
 {
     ui_->setupUi(this);
@@ -55,7 +65,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
     bindSearch();
     bindLists();
     bindOwnStations();
-    connect(&player_->stationDirectory(), &StationDirectory::busyChanged, this, &MainWindow::showPlaceholder);
+    bindAppearance();
     player_->awakeFromNib();
     layOut();
 }
@@ -77,6 +87,10 @@ void MainWindow::layOut()
     ui_->myTableView->clearSortIndicator();
     ui_->myTableView->setSortingEnabled(true);
     ui_->myTableView->setFocus();
+
+    memory_->restoreGeometry(*this);
+    memory_->bindColumns(*header, StationTable::identifierRole);
+    memory_->bindSplitter(*ui_->listsSplitter);
 }
 
 void MainWindow::bindTransport()
@@ -125,6 +139,12 @@ void MainWindow::bindSearch()
 
 void MainWindow::bindLists()
 {
+    StationDirectory &directory = player_->stationDirectory();
+    connect(&directory, &StationDirectory::busyChanged, this, [this](bool busy) {
+        showPlaceholder(busy ? tr("Asking the directory...") : reasonForNoStations());
+    });
+    connect(&directory, &StationDirectory::stationsReloaded, this,
+            [this] { showPlaceholder(reasonForNoStations()); });
     ui_->myCollectionView->setPlaceholderText(tr("Drag stations here to keep them, or press Ctrl+D."));
     tableCommands_ =
         std::make_unique<TableCommands>(*ui_, player_->stationTable(), player_->rackActions(),
@@ -171,9 +191,51 @@ void MainWindow::showRunning(bool running)
     ui_->transportPlayButton->setToolTip(name);
 }
 
-void MainWindow::showPlaceholder(bool busy)
+void MainWindow::showPlaceholder(const QString &text)
 {
-    ui_->myTableView->setPlaceholderText(busy ? tr("Asking the directory...") : tr("No stations."));
+    ui_->myTableView->setPlaceholderText(text);
+    ui_->myTableView->setAccessibleDescription(player_->stationDirectory().radioData().isEmpty() ? text
+                                                                                                 : QString());
+}
+
+QString MainWindow::reasonForNoStations() const
+{
+    switch (player_->stationDirectory().outcome()) {
+    case StationDirectory::Outcome::Awaited:
+        return {};
+    case StationDirectory::Outcome::NoAnswer:
+        return tr("No stations. The directory did not answer.");
+    case StationDirectory::Outcome::Unusable:
+        return tr("No stations. The directory's answer cannot be read.");
+    case StationDirectory::Outcome::Read:
+        break;
+    }
+    return tr("No stations found.");
+}
+
+Appearance MainWindow::appearance(const StateFile &state)
+{
+    const int stored = state.integer(appearanceKey, static_cast<int>(Appearance::Desktop));
+    const bool known =
+        stored >= static_cast<int>(Appearance::Desktop) && stored <= static_cast<int>(Appearance::Dark);
+    return known ? static_cast<Appearance>(stored) : Appearance::Desktop;
+}
+
+void MainWindow::bindAppearance()
+{
+    auto *choices = new QActionGroup(this);
+    const Appearance chosen = appearance(state_);
+    for (const auto &[action, choice] :
+         {std::pair(ui_->desktopAppearanceAction, Appearance::Desktop),
+          std::pair(ui_->lightAppearanceAction, Appearance::Light),
+          std::pair(ui_->darkAppearanceAction, Appearance::Dark)}) {
+        choices->addAction(action);
+        action->setChecked(choice == chosen);
+        connect(action, &QAction::triggered, this, [this, choice = choice] {
+            state_.setValue(appearanceKey, static_cast<int>(choice));
+            applyLook(*qApp, choice);
+        });
+    }
 }
 
 void MainWindow::paintEvent(QPaintEvent *event)
@@ -183,6 +245,15 @@ void MainWindow::paintEvent(QPaintEvent *event)
         painted_ = true;
         QMetaObject::invokeMethod(this, &MainWindow::firstFramePainted, Qt::QueuedConnection);
     }
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    // Iconified by the window manager, it is asked again when it comes back.
+    if (!event->spontaneous()) {
+        memory_->keepGeometry(*this);
+    }
+    QMainWindow::hideEvent(event);
 }
 
 /// The space bar presses a button that has the focus, as everywhere; elsewhere it plays and pauses.

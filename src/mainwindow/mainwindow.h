@@ -1,7 +1,6 @@
 #pragma once
 
 #include "mainwindow/player.h"
-#include "settings/statefile.h"
 
 #include <QMainWindow>
 #include <memory>
@@ -10,7 +9,10 @@ class AddRecordPopover;
 class AudioPopover;
 class RackCommands;
 class SoundBinding;
+class StateFile;
 class TableCommands;
+class WindowMemory;
+enum class Appearance;
 
 namespace Ui {
 class MainWindow;
@@ -23,10 +25,14 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    MainWindow(const DirectoryEndpoints &endpoints, Backend &backend);
+    /// `backend` and `state` must outlive the window.
+    MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, StateFile &state);
     ~MainWindow() override;
 
     Player &player() { return *player_; }
+
+    /// The palette that the user has chosen.
+    static Appearance appearance(const StateFile &state);
 
 Q_SIGNALS:
     /// The window has been painted for the first time.
@@ -35,6 +41,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -45,11 +52,14 @@ private:
     void bindLists();
     void bindOwnStations();
     void bindMenus();
+    void bindAppearance();
     void showRunning(bool running);
-    void showPlaceholder(bool busy);
+    void showPlaceholder(const QString &text);
+    QString reasonForNoStations() const;
 
     std::unique_ptr<Ui::MainWindow> ui_;
-    StateFile state_;
+    StateFile &state_;
+    std::unique_ptr<WindowMemory> memory_;
     AudioPopover *audioPopOver_;
     std::unique_ptr<SoundBinding> soundBinding_;
     std::unique_ptr<Player> player_;

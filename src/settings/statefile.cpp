@@ -53,6 +53,39 @@ int StateFile::integer(QAnyStringView key, int fallback) const
     return isInteger ? value : fallback;
 }
 
+QList<int> StateFile::integers(QAnyStringView key) const
+{
+    QList<int> numbers;
+    for (const QString &text : texts(key)) {
+        bool isInteger = false;
+        numbers.append(text.toInt(&isInteger));
+        if (!isInteger) {
+            return {};
+        }
+    }
+    return numbers;
+}
+
+QStringList StateFile::texts(QAnyStringView key) const
+{
+    return values_.value(key.toString()).toStringList();
+}
+
+QByteArray StateFile::bytes(QAnyStringView key) const
+{
+    const QVariant value = values_.value(key.toString());
+    return value.typeId() == QMetaType::QByteArray ? value.toByteArray() : QByteArray();
+}
+
+void StateFile::setIntegers(QAnyStringView key, const QList<int> &values)
+{
+    QStringList texts;
+    for (const int value : values) {
+        texts.append(QString::number(value));
+    }
+    setValue(key, texts);
+}
+
 void StateFile::setValue(QAnyStringView key, const QVariant &value)
 {
     const QString name = key.toString();

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QAnyStringView>
+#include <QByteArray>
+#include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QThreadPool>
 #include <QTimer>
 #include <QVariantMap>
@@ -21,7 +24,15 @@ public:
 
     /// `fallback` where nothing is stored under `key`, or what is no integer.
     int integer(QAnyStringView key, int fallback) const;
+    /// Empty where nothing is stored under `key`, or what holds anything but integers.
+    QList<int> integers(QAnyStringView key) const;
+    /// Empty where nothing is stored under `key`.
+    QStringList texts(QAnyStringView key) const;
+    /// Empty where nothing is stored under `key`, or no bytes.
+    QByteArray bytes(QAnyStringView key) const;
+    /// A number, a text, a QStringList or a QByteArray.
     void setValue(QAnyStringView key, const QVariant &value);
+    void setIntegers(QAnyStringView key, const QList<int> &values);
 
     /// Where the file is.
     static QString path();

@@ -44,11 +44,15 @@ QPalette paletteOf(const Colours &colours)
 }
 } // namespace
 
-void applyLook(QApplication &application)
+void applyLook(QApplication &application, Appearance appearance)
 {
     // They lie in a static library, whose initialisers the linker drops.
     Q_INIT_RESOURCE(plumtide);
-    const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < darkBelowLightness;
+    // Asked before the first palette of our own is set.
+    static const bool desktopIsDark =
+        QApplication::palette().color(QPalette::Window).lightness() < darkBelowLightness;
+    const bool isDark =
+        appearance == Appearance::Dark || (appearance == Appearance::Desktop && desktopIsDark);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(paletteOf(isDark ? dark : light));
     QFile sheet(QStringLiteral(":/look.qss"));

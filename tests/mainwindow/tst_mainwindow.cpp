@@ -253,7 +253,7 @@ void TestMainWindow::storedSettingsAreRead()
         settings.setValue("timeout_value", 20);
     }
     MainWindow second({{.baseAddress = stage.server.address(u"/"_s)}, u"http://tune.example"_s},
-                      stage.backend);
+                      stage.backend, *stage.state);
     QTRY_COMPARE(stage.server.requests().size(), 2);
     QVERIFY(stage.server.targets().at(1).endsWith("&limit=100"));
     second.player().streamPlayback().executeSynchAVPlayer(u"http://h/"_s, u"x"_s);

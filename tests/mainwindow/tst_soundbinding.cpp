@@ -24,7 +24,7 @@ namespace {
 struct Stage
 {
     Stage()
-        : window({{.baseAddress = u"http://127.0.0.1:1/"_s}, u"http://127.0.0.1:1"_s}, backend)
+        : window({{.baseAddress = u"http://127.0.0.1:1/"_s}, u"http://127.0.0.1:1"_s}, backend, state)
     {
         window.show();
         active = QTest::qWaitForWindowActive(&window);
@@ -52,6 +52,7 @@ struct Stage
     }
 
     FakeBackend backend;
+    StateFile state;
     MainWindow window;
     bool active;
 };

@@ -24,7 +24,7 @@ const QStringList Stage::silence{connecting, terminated, notResponding};
 Stage::Stage(const QString &directory, const AudioOutput &output)
     : backend(output)
     , settings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s)
-    , window({{.baseAddress = directory + u'/'}, directory}, backend)
+    , window({{.baseAddress = directory + u'/'}, directory}, backend, state)
 {
     std::setlocale(LC_NUMERIC, "C");
     settings.clear();

@@ -3,6 +3,7 @@
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/audiooutput.h"
 #include "playback/mpv/mpvbackend.h"
+#include "settings/statefile.h"
 #include "support/scriptedserver.h"
 
 #include <QSettings>
@@ -38,6 +39,7 @@ public:
 
     MpvBackend backend;
     QSettings settings;
+    StateFile state;
     MainWindow window;
     /// The status texts since the last double click; one that is repeated stands here once.
     QStringList statuses;

@@ -1,28 +1,37 @@
 #pragma once
 
 #include "mainwindow/mainwindow.h"
+#include "settings/statefile.h"
 #include "support/fakebackend.h"
 #include "support/scriptedserver.h"
 #include "ui/rvtableview.h"
 
+#include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QSettings>
 #include <QTest>
 
-/// The real window before a scripted directory and a fake backend.
+/// The real window before a scripted directory and a fake backend, as at a first start or
+/// with what earlier ones have kept.
 struct WindowStage
 {
-    explicit WindowStage(const QByteArray &answer)
+    enum class Start { First, Next };
+
+    explicit WindowStage(const QByteArray &answer, Start start = Start::First)
     {
         server.scriptBody("/legacy/Top500/", answer);
         QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("plumtide"),
                   QStringLiteral("plumtide"))
             .clear();
+        if (start == Start::First) {
+            QFile::remove(StateFile::path());
+        }
+        state = std::make_unique<StateFile>();
         window = std::make_unique<MainWindow>(
             DirectoryEndpoints{{.baseAddress = server.address(QStringLiteral("/"))},
                                QStringLiteral("http://tune.example")},
-            backend);
+            backend, *state);
         window->show();
     }
 
@@ -58,5 +67,6 @@ struct WindowStage
 
     ScriptedServer server;
     FakeBackend backend;
+    std::unique_ptr<StateFile> state;
     std::unique_ptr<MainWindow> window;
 };
