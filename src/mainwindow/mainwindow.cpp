@@ -50,7 +50,8 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, St
                            .favoritPopOver = new StationPopover(this, StationPopover::Kind::favourite),
                            .customRadioEditorPopOver =
                                new StationPopover(this, StationPopover::Kind::custom)};
-    const PlayerOutlets outlets{.myTableView = ui_->myTableView,
+    const PlayerOutlets outlets{.myToolbarBox = ui_->myToolbarBox,
+                                .myTableView = ui_->myTableView,
                                 .progress = ui_->progress,
                                 .searchField = ui_->searchField,
                                 .playerStatusString = ui_->playerStatusString,
@@ -225,10 +226,9 @@ void MainWindow::bindAppearance()
 {
     auto *choices = new QActionGroup(this);
     const Appearance chosen = appearance(state_);
-    for (const auto &[action, choice] :
-         {std::pair(ui_->desktopAppearanceAction, Appearance::Desktop),
-          std::pair(ui_->lightAppearanceAction, Appearance::Light),
-          std::pair(ui_->darkAppearanceAction, Appearance::Dark)}) {
+    for (const auto &[action, choice] : {std::pair(ui_->desktopAppearanceAction, Appearance::Desktop),
+                                         std::pair(ui_->lightAppearanceAction, Appearance::Light),
+                                         std::pair(ui_->darkAppearanceAction, Appearance::Dark)}) {
         choices->addAction(action);
         action->setChecked(choice == chosen);
         connect(action, &QAction::triggered, this, [this, choice = choice] {

@@ -7,6 +7,7 @@
 #include "playback/tuneinaddress.h"
 #include "settings/wpreferences.h"
 #include "ui/addrecordpopover.h"
+#include "ui/roundedbox.h"
 #include "ui/rvtableview.h"
 #include "ui/spinner.h"
 #include "ui/stationpopover.h"
@@ -32,7 +33,8 @@ constexpr int saveTag = 302;
 const QString favouritesFolder = QStringLiteral("com.plumtide.folders");
 const QString favouritesFile = QStringLiteral("plumtide.data");
 
-constexpr qreal itemCornerRadius = 8.0;
+/// Of the tool-bar box and of the rack's tiles.
+constexpr qreal cornerRadius = 8.0;
 constexpr QColor itemBorderGrey(128, 128, 128, 80);
 constexpr qreal itemBorderWidth = 5.0;
 
@@ -70,9 +72,13 @@ void Player::awakeFromNib()
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { radioDataChanges(willTerminate); });
     transformers_.setValueTransformer(std::make_unique<PathTransformer>(), QStringLiteral("PathTransformer"));
     readRack();
-    connectDirectory();
-    connectRack();
-    connectPlayback();
+    connectConcerns();
+    prepareTable();
+    prepareRack();
+    outlets_.myToolbarBox->setCornerRadius(cornerRadius);
+    outlets_.myToolbarBox->setBackgroundColor(Qt::white);
+    outlets_.rack.myCollectionView->setLevelIndicatorHighlighted(true);
+    outlets_.rack.myCollectionView->setItemFrame(cornerRadius, itemBorderGrey, itemBorderWidth);
     setTitle(QStringLiteral("idle"));
     // After the reading: a first start finds nothing, and leaves a folder for the rack to be written into.
     if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
@@ -119,13 +125,8 @@ void Player::menuActions(const QAction *sender)
     }
 }
 
-void Player::connectDirectory()
+void Player::connectConcerns()
 {
-    RVTableView *table = outlets_.myTableView;
-    table->setModel(&stationTable_);
-    table->setDataSource(&stationTable_);
-    connect(table, &RVTableView::doubleAction, this, &Player::playRadioFromTableItem);
-    table->registerForDraggedTypes({DragPayload::stationType});
     connect(&directory_, &StationDirectory::busyChanged, outlets_.progress, &Spinner::setAnimating);
     connect(&directory_, &StationDirectory::statusChanged, this, &Player::setStatus);
     connect(&directory_, &StationDirectory::stationsReloaded, this, [this] {
@@ -138,28 +139,31 @@ void Player::connectDirectory()
                 directory_.sortRadioData(before);
                 stationTable_.reload(directory_.radioData());
             });
-}
-
-void Player::connectRack()
-{
-    RackView *view = outlets_.rack.myCollectionView;
-    view->setDelegate(&rackActions_);
-    view->registerForDraggedTypes({DragPayload::stationType, DragPayload::tilesType});
-    view->setLevelIndicatorHighlighted(true);
-    view->setItemFrame(itemCornerRadius, itemBorderGrey, itemBorderWidth);
-    view->setRack(&rack_, transformers_);
-    outlets_.rack.favoritPopOver->setTransformers(&transformers_);
-    outlets_.rack.customRadioEditorPopOver->setTransformers(&transformers_);
     connect(&rackActions_, &RackActions::playRequested, &playback_, &StreamPlayback::playRadioFromURL);
     connect(&rackActions_, &RackActions::playCustomRequested, &playback_,
             &StreamPlayback::playRadioCustomWithObject);
-}
-
-void Player::connectPlayback()
-{
     connect(&playback_, &StreamPlayback::titleChanged, this, &Player::setTitle);
     connect(&playback_, &StreamPlayback::statusChanged, this, &Player::setStatus);
     connect(&playback_, &StreamPlayback::tornDown, outlets_.audioPopOver, &Popover::close);
+}
+
+void Player::prepareTable()
+{
+    RVTableView *table = outlets_.myTableView;
+    table->setModel(&stationTable_);
+    table->setDataSource(&stationTable_);
+    connect(table, &RVTableView::doubleAction, this, &Player::playRadioFromTableItem);
+    table->registerForDraggedTypes({DragPayload::stationType});
+}
+
+void Player::prepareRack()
+{
+    RackView *view = outlets_.rack.myCollectionView;
+    view->setRack(&rack_, transformers_);
+    outlets_.rack.favoritPopOver->setTransformers(&transformers_);
+    outlets_.rack.customRadioEditorPopOver->setTransformers(&transformers_);
+    view->setDelegate(&rackActions_);
+    view->registerForDraggedTypes({DragPayload::stationType, DragPayload::tilesType});
 }
 
 void Player::searchForRadio()

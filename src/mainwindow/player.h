@@ -19,12 +19,14 @@ class QLabel;
 class QLineEdit;
 class AddRecordPopover;
 class Popover;
+class RoundedBox;
 class Spinner;
 class WPreferences;
 
 /// What the window's layout gives the hub to work with. The window owns them all.
 struct PlayerOutlets
 {
+    RoundedBox *myToolbarBox;
     RVTableView *myTableView;
     Spinner *progress;
     QLineEdit *searchField;
@@ -108,9 +110,9 @@ public:
 private:
     void readRack();
     bool saveRack();
-    void connectDirectory();
-    void connectRack();
-    void connectPlayback();
+    void prepareTable();
+    void prepareRack();
+    void connectConcerns();
     void setTitle(const QString &text);
     void setStatus(const QString &text);
 

@@ -24,9 +24,9 @@ public:
     /// To be called while the window still has a geometry worth keeping: when it is hidden, say.
     void keepGeometry(const QWidget &window);
 
-    /// Gives the columns the widths and the order that were kept, and keeps both from now on. Columns are told
-    /// apart by what the model's header has under `identifierRole`. The first one has its place, and the last
-    /// one gets the width that is left.
+    /// Gives the columns the widths and the order that were kept, and keeps both from now on. Columns are
+    /// told apart by what the model's header has under `identifierRole`. The first one has its place, and the
+    /// last one gets the width that is left.
     void bindColumns(QHeaderView &header, int identifierRole);
 
     /// Gives the splitter's parts the sizes that were kept, and keeps them from now on under the splitter's

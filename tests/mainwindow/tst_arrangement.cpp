@@ -73,15 +73,16 @@ void TestArrangement::nextStartLooksTheSame()
 void TestArrangement::keptNonsenseIsHarmless_data()
 {
     QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("geometry") << QByteArray("[window]\ngeometry=@ByteArray(\\x1\\xd9\\xd0\\xcbx)\nappearance=9");
+    QTest::newRow("geometry") << QByteArray(
+        "[window]\ngeometry=@ByteArray(\\x1\\xd9\\xd0\\xcbx)\nappearance=9");
     QTest::newRow("no geometry") << QByteArray("[window]\ngeometry=7\nappearance=x");
     QTest::newRow("too few columns") << QByteArray("[columns]\norder=id_status, id_genre");
-    QTest::newRow("a column twice")
-        << QByteArray("[columns]\norder=id_status, id_station, id_station, id_genre, id_bitrate, id_type, "
-                      "id_listener");
-    QTest::newRow("another first")
-        << QByteArray("[columns]\norder=id_station, id_status, id_genre, id_bitrate, id_type, "
-                      "id_listener, id_currenttrack");
+    QTest::newRow("a column twice") << QByteArray(
+        "[columns]\norder=id_status, id_station, id_station, id_genre, id_bitrate, id_type, "
+        "id_listener");
+    QTest::newRow("another first") << QByteArray(
+        "[columns]\norder=id_station, id_status, id_genre, id_bitrate, id_type, "
+        "id_listener, id_currenttrack");
     QTest::newRow("widths") << QByteArray("[columns]\nid_station=-5\nid_genre=2147483647\nid_type=wide");
     QTest::newRow("splitter") << QByteArray("[splitters]\nlistsSplitter=0, 0");
     QTest::newRow("splitter of three") << QByteArray("[splitters]\nlistsSplitter=1, 2, 3");
