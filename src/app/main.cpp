@@ -3,6 +3,7 @@
 #include "app/environment.h"
 #include "app/log.h"
 #include "app/quitsignals.h"
+#include "app/translations.h"
 #include "directory/exception.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
@@ -71,6 +72,7 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
     Application application(argc, argv);
     // The toolkit has just taken over the user's locale; libmpv wants numbers with a point.
     std::setlocale(LC_NUMERIC, "C");
+    installTranslations(application);
     StateFile state;
     applyLook(application, MainWindow::appearance(state));
     QApplication::setWindowIcon(svgIcon(QStringLiteral("plumtide")));

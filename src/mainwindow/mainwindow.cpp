@@ -146,7 +146,9 @@ void MainWindow::bindLists()
     });
     connect(&directory, &StationDirectory::stationsReloaded, this,
             [this] { showPlaceholder(reasonForNoStations()); });
-    ui_->myCollectionView->setPlaceholderText(tr("Drag stations here to keep them, or press Ctrl+D."));
+    ui_->myCollectionView->setPlaceholderText(
+        tr("Drag stations here to keep them, or press %1.")
+            .arg(ui_->addFavouriteAction->shortcut().toString(QKeySequence::NativeText)));
     tableCommands_ =
         std::make_unique<TableCommands>(*ui_, player_->stationTable(), player_->rackActions(),
                                         [this](int row) { return player_->tableItemAddress(row); });

@@ -2,14 +2,20 @@
 
 #include "settings/statefile.h"
 
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QScreen>
 #include <QSplitter>
 #include <algorithm>
 
 namespace {
+/// Where the window begins and how wide and high it is, without the frame; while it is maximised, what it was
+/// before.
 constexpr QLatin1StringView geometryKey("window/geometry");
+constexpr QLatin1StringView maximisedKey("window/maximised");
 constexpr QLatin1StringView orderKey("columns/order");
-/// Wider than any screen; in logical pixels.
+/// Beyond every screen; in logical pixels.
+constexpr int farthestPlace = 100'000;
 constexpr int widestColumn = 4000;
 
 QString widthKey(const QString &column)
@@ -32,12 +38,30 @@ WindowMemory::WindowMemory(StateFile &state, QObject *parent)
 
 void WindowMemory::restoreGeometry(QWidget &window) const
 {
-    window.restoreGeometry(state_.bytes(geometryKey));
+    // Not by the toolkit's own form of it: that moves a window down by the height of a title, with or without
+    // one.
+    if (QList<int> kept = state_.integers(geometryKey); kept.size() == 4) {
+        for (int &number : kept) {
+            number = std::clamp(number, -farthestPlace, farthestPlace);
+        }
+        const QRect place(kept[0], kept[1], kept[2], kept[3]);
+        const QScreen *screen = QGuiApplication::screenAt(place.center());
+        const QScreen *room = screen != nullptr ? screen : QGuiApplication::primaryScreen();
+        window.resize(place.size().boundedTo(room->availableSize()));
+        if (screen != nullptr) {
+            window.move(place.topLeft());
+        }
+    }
+    if (state_.integer(maximisedKey, 0) != 0) {
+        window.setWindowState(Qt::WindowMaximized);
+    }
 }
 
 void WindowMemory::keepGeometry(const QWidget &window)
 {
-    state_.setValue(geometryKey, window.saveGeometry());
+    const QRect place = window.normalGeometry();
+    state_.setIntegers(geometryKey, {place.x(), place.y(), place.width(), place.height()});
+    state_.setValue(maximisedKey, window.isMaximized() ? 1 : 0);
 }
 
 void WindowMemory::bindColumns(QHeaderView &header, int identifierRole)

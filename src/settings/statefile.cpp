@@ -71,12 +71,6 @@ QStringList StateFile::texts(QAnyStringView key) const
     return values_.value(key.toString()).toStringList();
 }
 
-QByteArray StateFile::bytes(QAnyStringView key) const
-{
-    const QVariant value = values_.value(key.toString());
-    return value.typeId() == QMetaType::QByteArray ? value.toByteArray() : QByteArray();
-}
-
 void StateFile::setIntegers(QAnyStringView key, const QList<int> &values)
 {
     QStringList texts;

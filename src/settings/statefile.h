@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QAnyStringView>
-#include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -28,9 +27,7 @@ public:
     QList<int> integers(QAnyStringView key) const;
     /// Empty where nothing is stored under `key`.
     QStringList texts(QAnyStringView key) const;
-    /// Empty where nothing is stored under `key`, or no bytes.
-    QByteArray bytes(QAnyStringView key) const;
-    /// A number, a text, a QStringList or a QByteArray.
+    /// A number, a text or a QStringList.
     void setValue(QAnyStringView key, const QVariant &value);
     void setIntegers(QAnyStringView key, const QList<int> &values);
 

@@ -1,0 +1,697 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>AddRecordPopover</name>
+    <message>
+        <source>Add Station</source>
+        <translation>Sender hinzufügen</translation>
+    </message>
+</context>
+<context>
+    <name>AudioPopover</name>
+    <message>
+        <source>Sound</source>
+        <translation>Klang</translation>
+    </message>
+    <message>
+        <source>Volume</source>
+        <translation>Lautstärke</translation>
+    </message>
+    <message>
+        <source>Bass</source>
+        <translation>Bass</translation>
+    </message>
+    <message>
+        <source>Middle</source>
+        <translation>Mitten</translation>
+    </message>
+    <message>
+        <source>Treble</source>
+        <translation>Höhen</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>Stumm</translation>
+    </message>
+    <message>
+        <source>Flat</source>
+        <translation>Neutral</translation>
+    </message>
+    <message>
+        <source>Leave the tone as it is sent</source>
+        <translation>Den Klang lassen, wie er gesendet wird</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1 dB</source>
+        <translation>%1 dB</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>Player</source>
+        <translation>Player</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stopp</translation>
+    </message>
+    <message>
+        <source>The station that plays</source>
+        <translation>Der Sender, der läuft</translation>
+    </message>
+    <message>
+        <source>What the player or the directory is doing</source>
+        <translation>Was der Player oder das Verzeichnis gerade tut</translation>
+    </message>
+    <message>
+        <source>Sound</source>
+        <translation>Klang</translation>
+    </message>
+    <message>
+        <source>Sound: volume and tone</source>
+        <translation>Klang: Lautstärke und Klangfarbe</translation>
+    </message>
+    <message>
+        <source>Add station</source>
+        <translation>Sender hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add a station of your own</source>
+        <translation>Einen eigenen Sender hinzufügen</translation>
+    </message>
+    <message>
+        <source>Waiting for the directory</source>
+        <translation>Warten auf das Verzeichnis</translation>
+    </message>
+    <message>
+        <source>Search stations</source>
+        <translation>Sender suchen</translation>
+    </message>
+    <message>
+        <source>Search the directory by name, genre or track</source>
+        <translation>Das Verzeichnis nach Name, Genre oder Titel durchsuchen</translation>
+    </message>
+    <message>
+        <source>Stations</source>
+        <translation>Sender</translation>
+    </message>
+    <message>
+        <source>Favourites</source>
+        <translation>Favoriten</translation>
+    </message>
+    <message>
+        <source>&amp;Plumtide</source>
+        <translation>&amp;Plumtide</translation>
+    </message>
+    <message>
+        <source>&amp;Appearance</source>
+        <translation>&amp;Aussehen</translation>
+    </message>
+    <message>
+        <source>Play&amp;back</source>
+        <translation>&amp;Wiedergabe</translation>
+    </message>
+    <message>
+        <source>&amp;Stations</source>
+        <translation>&amp;Sender</translation>
+    </message>
+    <message>
+        <source>&amp;Favourites</source>
+        <translation>&amp;Favoriten</translation>
+    </message>
+    <message>
+        <source>P&amp;references...</source>
+        <translation>&amp;Einstellungen …</translation>
+    </message>
+    <message>
+        <source>As the &amp;Desktop</source>
+        <translation>Wie die &amp;Arbeitsumgebung</translation>
+    </message>
+    <message>
+        <source>&amp;Light</source>
+        <translation>&amp;Hell</translation>
+    </message>
+    <message>
+        <source>Da&amp;rk</source>
+        <translation>&amp;Dunkel</translation>
+    </message>
+    <message>
+        <source>Add &amp;Station...</source>
+        <translation>&amp;Sender hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Add &amp;Blank Station</source>
+        <translation>&amp;Leeren Sender hinzufügen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Play or Pause</source>
+        <translation>&amp;Abspielen oder anhalten</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Stopp</translation>
+    </message>
+    <message>
+        <source>&amp;Louder</source>
+        <translation>&amp;Lauter</translation>
+    </message>
+    <message>
+        <source>So&amp;fter</source>
+        <translation>L&amp;eiser</translation>
+    </message>
+    <message>
+        <source>&amp;Mute</source>
+        <translation>S&amp;tumm</translation>
+    </message>
+    <message>
+        <source>S&amp;ound...</source>
+        <translation>&amp;Klang …</translation>
+    </message>
+    <message>
+        <source>&amp;Find...</source>
+        <translation>S&amp;uchen …</translation>
+    </message>
+    <message>
+        <source>&amp;Top Stations</source>
+        <translation>&amp;Top-Sender</translation>
+    </message>
+    <message>
+        <source>&amp;Add to Favourites</source>
+        <translation>Zu den &amp;Favoriten</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Name</source>
+        <translation>&amp;Namen kopieren</translation>
+    </message>
+    <message>
+        <source>Copy A&amp;ddress</source>
+        <translation>A&amp;dresse kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Play Favourite</source>
+        <translation>Favoriten ab&amp;spielen</translation>
+    </message>
+    <message>
+        <source>&amp;Details...</source>
+        <translation>D&amp;etails …</translation>
+    </message>
+    <message>
+        <source>Move &amp;Left</source>
+        <translation>Nach l&amp;inks</translation>
+    </message>
+    <message>
+        <source>Move Ri&amp;ght</source>
+        <translation>Nach &amp;rechts</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Address</source>
+        <translation>A&amp;dresse kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Removal</source>
+        <translation>Entfernen r&amp;ückgängig machen</translation>
+    </message>
+    <message>
+        <source>Sa&amp;ve Favourites</source>
+        <translation>Favoriten s&amp;peichern</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <source>Asking the directory...</source>
+        <translation>Das Verzeichnis wird gefragt …</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>No stations. The directory did not answer.</source>
+        <translation>Keine Sender. Das Verzeichnis hat nicht geantwortet.</translation>
+    </message>
+    <message>
+        <source>No stations. The directory&apos;s answer cannot be read.</source>
+        <translation>Keine Sender. Die Antwort des Verzeichnisses ist nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>No stations found.</source>
+        <translation>Keine Sender gefunden.</translation>
+    </message>
+    <message>
+        <source>Drag stations here to keep them, or press %1.</source>
+        <translation>Sender, die bleiben sollen, hierher ziehen oder %1 drücken.</translation>
+    </message>
+</context>
+<context>
+    <name>PasswordField</name>
+    <message>
+        <source>Show password</source>
+        <translation>Passwort zeigen</translation>
+    </message>
+    <message>
+        <source>Hide password</source>
+        <translation>Passwort verbergen</translation>
+    </message>
+</context>
+<context>
+    <name>RackItem</name>
+    <message>
+        <source>Details</source>
+        <translation>Details</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Stars</source>
+        <translation>Sterne</translation>
+    </message>
+    <message>
+        <source>Unnamed station</source>
+        <translation>Sender ohne Namen</translation>
+    </message>
+    <message>
+        <source>Details of %1</source>
+        <translation>Details zu %1</translation>
+    </message>
+    <message>
+        <source>Play %1</source>
+        <translation>%1 abspielen</translation>
+    </message>
+    <message>
+        <source>Artwork of %1</source>
+        <translation>Bild von %1</translation>
+    </message>
+</context>
+<context>
+    <name>ServerForm</name>
+    <message>
+        <source>Scheme</source>
+        <translation>Schema</translation>
+    </message>
+    <message>
+        <source>http</source>
+        <translation>http</translation>
+    </message>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>http://radio.example.org</source>
+        <translation>http://radio.example.org</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+    <message>
+        <source>8000</source>
+        <translation>8000</translation>
+    </message>
+    <message>
+        <source>Mount point</source>
+        <translation>Mountpoint</translation>
+    </message>
+    <message>
+        <source>/live</source>
+        <translation>/live</translation>
+    </message>
+    <message>
+        <source>User name</source>
+        <translation>Benutzername</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Passwort</translation>
+    </message>
+    <message>
+        <source>Private</source>
+        <translation>Privat</translation>
+    </message>
+    <message>
+        <source>Send the user name and the password to the server</source>
+        <translation>Benutzername und Passwort an den Server senden</translation>
+    </message>
+</context>
+<context>
+    <name>StationForm</name>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Genre</source>
+        <translation>Genre</translation>
+    </message>
+    <message>
+        <source>Rating</source>
+        <translation>Bewertung</translation>
+    </message>
+    <message>
+        <source>Default picture</source>
+        <translation>Standardbild</translation>
+    </message>
+    <message>
+        <source>A file of a picture, typed or dropped here</source>
+        <translation>Eine Bilddatei, eingetippt oder hier fallen gelassen</translation>
+    </message>
+    <message>
+        <source>Choose...</source>
+        <translation>Auswählen …</translation>
+    </message>
+    <message>
+        <source>Choose the file of a picture</source>
+        <translation>Eine Bilddatei auswählen</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Go back to the default picture</source>
+        <translation>Zurück zum Standardbild</translation>
+    </message>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+</context>
+<context>
+    <name>StationPopover</name>
+    <message>
+        <source>Station</source>
+        <translation>Sender</translation>
+    </message>
+    <message>
+        <source>Choose a Picture</source>
+        <translation>Bild auswählen</translation>
+    </message>
+    <message>
+        <source>Pictures (*.png *.jpg *.jpeg *.gif *.webp *.bmp)</source>
+        <translation>Bilder (*.png *.jpg *.jpeg *.gif *.webp *.bmp)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Copied</source>
+        <translation>Kopiert</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>Copy address: %1</source>
+        <translation>Adresse kopieren: %1</translation>
+    </message>
+    <message>
+        <source>Copy address</source>
+        <translation>Adresse kopieren</translation>
+    </message>
+</context>
+<context>
+    <name>StationTable</name>
+    <message>
+        <source>Station</source>
+        <translation>Sender</translation>
+    </message>
+    <message>
+        <source>Genre</source>
+        <translation>Genre</translation>
+    </message>
+    <message>
+        <source>kbit/s</source>
+        <translation>kbit/s</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Listeners</source>
+        <translation>Hörer</translation>
+    </message>
+    <message>
+        <source>Current track</source>
+        <translation>Aktueller Titel</translation>
+    </message>
+</context>
+<context>
+    <name>VAddRecord</name>
+    <message>
+        <source>Title</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>Night Owl Radio</source>
+        <translation>Radio Nachteule</translation>
+    </message>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>http://radio.example.org</source>
+        <translation>http://radio.example.org</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+    <message>
+        <source>8000</source>
+        <translation>8000</translation>
+    </message>
+    <message>
+        <source>Mount point</source>
+        <translation>Mountpoint</translation>
+    </message>
+    <message>
+        <source>/live</source>
+        <translation>/live</translation>
+    </message>
+    <message>
+        <source>Scheme</source>
+        <translation>Schema</translation>
+    </message>
+    <message>
+        <source>http</source>
+        <translation>http</translation>
+    </message>
+    <message>
+        <source>How a private station is played: http or https</source>
+        <translation>Wie ein privater Sender abgespielt wird: http oder https</translation>
+    </message>
+    <message>
+        <source>Private</source>
+        <translation>Privat</translation>
+    </message>
+    <message>
+        <source>Send the user name and the password to the server</source>
+        <translation>Benutzername und Passwort an den Server senden</translation>
+    </message>
+    <message>
+        <source>User name</source>
+        <translation>Benutzername</translation>
+    </message>
+    <message>
+        <source>listener</source>
+        <translation>hoerer</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Passwort</translation>
+    </message>
+    <message>
+        <source>As given to you</source>
+        <translation>Wie mitgeteilt</translation>
+    </message>
+    <message>
+        <source>Add Station</source>
+        <translation>Sender hinzufügen</translation>
+    </message>
+    <message>
+        <source>Split into fields</source>
+        <translation>Auf die Felder verteilen</translation>
+    </message>
+    <message>
+        <source>There are blanks around the address.</source>
+        <translation>Um die Adresse stehen Leerzeichen.</translation>
+    </message>
+    <message>
+        <source>Remove them</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>The address begins with http:// or https:// and the name of a server.</source>
+        <translation>Die Adresse beginnt mit http:// oder https:// und dem Namen eines Servers.</translation>
+    </message>
+    <message>
+        <source>A station with a user name is a private one.</source>
+        <translation>Ein Sender mit Benutzernamen ist ein privater.</translation>
+    </message>
+    <message>
+        <source>A private station takes port and mount point from their own fields.</source>
+        <translation>Ein privater Sender nimmt Port und Mountpoint aus ihren eigenen Feldern.</translation>
+    </message>
+    <message>
+        <source>The port is a number from 1 to 65535.</source>
+        <translation>Der Port ist eine Zahl von 1 bis 65535.</translation>
+    </message>
+    <message>
+        <source>The mount point begins with a slash, as in /live</source>
+        <translation>Der Mountpoint beginnt mit einem Schrägstrich, wie in /live</translation>
+    </message>
+    <message>
+        <source>The port is put last and has a field of its own. The address ends with the server&apos;s name.</source>
+        <translation>Der Port kommt zuletzt und hat ein eigenes Feld. Die Adresse endet mit dem Namen des Servers.</translation>
+    </message>
+    <message>
+        <source>The port is put last. A &quot;?&quot; before it lets the server find the mount point.</source>
+        <translation>Der Port kommt zuletzt. Ein „?“ davor lässt den Server den Mountpoint finden.</translation>
+    </message>
+    <message>
+        <source>Join into address</source>
+        <translation>In die Adresse übernehmen</translation>
+    </message>
+    <message>
+        <source>A private station needs its port: often 8000, or 80 for http and 443 for https.</source>
+        <translation>Ein privater Sender braucht seinen Port: oft 8000, oder 80 für http und 443 für https.</translation>
+    </message>
+    <message>
+        <source>The scheme is http or https.</source>
+        <translation>Das Schema ist http oder https.</translation>
+    </message>
+    <message>
+        <source>Without a scheme the station is played by http, not by https.</source>
+        <translation>Ohne Schema wird der Sender über http abgespielt, nicht über https.</translation>
+    </message>
+    <message>
+        <source>Use https</source>
+        <translation>https verwenden</translation>
+    </message>
+    <message>
+        <source>User name and password are sent only if Private is on.</source>
+        <translation>Benutzername und Passwort werden nur gesendet, wenn „Privat“ an ist.</translation>
+    </message>
+</context>
+<context>
+    <name>WPreferences</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>&amp;Give up connecting after</source>
+        <translation>&amp;Verbindungsversuch aufgeben nach</translation>
+    </message>
+    <message>
+        <source>10 seconds</source>
+        <translation>10 Sekunden</translation>
+    </message>
+    <message>
+        <source>15 seconds</source>
+        <translation>15 Sekunden</translation>
+    </message>
+    <message>
+        <source>20 seconds</source>
+        <translation>20 Sekunden</translation>
+    </message>
+    <message>
+        <source>25 seconds</source>
+        <translation>25 Sekunden</translation>
+    </message>
+    <message>
+        <source>30 seconds</source>
+        <translation>30 Sekunden</translation>
+    </message>
+    <message>
+        <source>seconds</source>
+        <translation>Sekunden</translation>
+    </message>
+    <message>
+        <source>Stations a search &amp;asks for</source>
+        <translation>&amp;Sender, um die eine Suche bittet</translation>
+    </message>
+    <message>
+        <source>10 stations</source>
+        <translation>10 Sender</translation>
+    </message>
+    <message>
+        <source>50 stations</source>
+        <translation>50 Sender</translation>
+    </message>
+    <message>
+        <source>100 stations</source>
+        <translation>100 Sender</translation>
+    </message>
+    <message>
+        <source>200 stations</source>
+        <translation>200 Sender</translation>
+    </message>
+    <message>
+        <source>500 stations</source>
+        <translation>500 Sender</translation>
+    </message>
+    <message>
+        <source>stations</source>
+        <translation>Sender</translation>
+    </message>
+    <message>
+        <source>&amp;Identify to private stations as</source>
+        <translation>Bei &amp;privaten Sendern auftreten als</translation>
+    </message>
+    <message>
+        <source>Plumtide</source>
+        <translation>Plumtide</translation>
+    </message>
+    <message>
+        <source>Safari on a Mac</source>
+        <translation>Safari auf einem Mac</translation>
+    </message>
+    <message>
+        <source>Firefox on Windows</source>
+        <translation>Firefox unter Windows</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>Sp&amp;eichern</translation>
+    </message>
+</context>
+</TS>
