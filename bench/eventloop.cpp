@@ -151,7 +151,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     StateFile state;
-    applyLook(application, MainWindow::appearance(state));
+    applyLook(application);
     MainWindow window(endpoints, backend, state);
     QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
     window.show();

@@ -61,7 +61,7 @@ int runReal(int argc, char **argv)
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     StateFile state;
-    applyLook(application, MainWindow::appearance(state));
+    applyLook(application);
     MainWindow window(endpoints, backend, state);
     QObject::connect(&window, &MainWindow::firstFramePainted, &window, [] { std::_Exit(0); });
     window.show();

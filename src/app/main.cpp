@@ -1,5 +1,6 @@
 #include "app/allocator.h"
 #include "app/commandline.h"
+#include "app/desktoplook.h"
 #include "app/environment.h"
 #include "app/log.h"
 #include "app/quitsignals.h"
@@ -8,7 +9,6 @@
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
-#include "ui/look.h"
 #include "ui/svgicon.h"
 
 #include <QApplication>
@@ -74,7 +74,7 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
     std::setlocale(LC_NUMERIC, "C");
     installTranslations(application);
     StateFile state;
-    applyLook(application, MainWindow::appearance(state));
+    DesktopLook look(application, state);
     QApplication::setWindowIcon(svgIcon(QStringLiteral("plumtide")));
 
     int status = 0;
@@ -83,6 +83,8 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
         MainWindow window(environment.endpoints, backend, state);
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
+        QObject::connect(&window, &MainWindow::firstFramePainted, &look, &DesktopLook::watchDesktop);
+        QObject::connect(&window, &MainWindow::appearanceChosen, &look, &DesktopLook::setAppearance);
         QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
         openWindow = &window;
         std::atexit(saveAtExit);

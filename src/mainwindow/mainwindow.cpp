@@ -235,7 +235,7 @@ void MainWindow::bindAppearance()
         action->setChecked(choice == chosen);
         connect(action, &QAction::triggered, this, [this, choice = choice] {
             state_.setValue(appearanceKey, static_cast<int>(choice));
-            applyLook(*qApp, choice);
+            Q_EMIT appearanceChosen(choice);
         });
     }
 }

@@ -38,6 +38,8 @@ Q_SIGNALS:
     /// The window has been painted for the first time.
     void firstFramePainted();
     void quitRequested();
+    /// The choice is kept already.
+    void appearanceChosen(Appearance appearance);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -44,17 +44,17 @@ QPalette paletteOf(const Colours &colours)
 }
 } // namespace
 
-void applyLook(QApplication &application, Appearance appearance)
+bool isDark(const QPalette &palette)
+{
+    return palette.color(QPalette::Window).lightness() < darkBelowLightness;
+}
+
+void applyLook(QApplication &application, Palette palette)
 {
     // They lie in a static library, whose initialisers the linker drops.
     Q_INIT_RESOURCE(plumtide);
-    // Asked before the first palette of our own is set.
-    static const bool desktopIsDark =
-        QApplication::palette().color(QPalette::Window).lightness() < darkBelowLightness;
-    const bool isDark =
-        appearance == Appearance::Dark || (appearance == Appearance::Desktop && desktopIsDark);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setPalette(paletteOf(isDark ? dark : light));
+    QApplication::setPalette(paletteOf(palette == Palette::Dark ? dark : light));
     QFile sheet(QStringLiteral(":/look.qss"));
     if (sheet.open(QIODevice::ReadOnly)) {
         application.setStyleSheet(QString::fromUtf8(sheet.readAll()));

@@ -1,15 +1,16 @@
 #pragma once
 
 class QApplication;
+class QPalette;
 
-/// Which palette the window has.
-enum class Appearance {
-    /// Dark where the desktop's own palette was dark when the program started.
-    Desktop,
-    Light,
-    Dark,
-};
+/// What the user may choose.
+enum class Appearance { Desktop, Light, Dark };
+
+enum class Palette { Light, Dark };
+
+/// Whether a window of that palette is dark.
+bool isDark(const QPalette &palette);
 
 /// Dresses the whole application: one style, one palette, one style sheet, so that it looks the same on every
 /// desktop. Called again, it changes what is shown.
-void applyLook(QApplication &application, Appearance appearance = Appearance::Desktop);
+void applyLook(QApplication &application, Palette palette = Palette::Light);

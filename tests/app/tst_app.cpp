@@ -1,4 +1,5 @@
 #include "app/commandline.h"
+#include "app/desktoplook.h"
 #include "app/environment.h"
 
 #include <QTest>
@@ -15,6 +16,7 @@ private Q_SLOTS:
     void environmentDefaults();
     void commandLine_data();
     void commandLine();
+    void lookFollowsChoiceThenDesktop();
 };
 
 void TestApp::environment_data()
@@ -89,6 +91,17 @@ void TestApp::commandLine()
     const auto *answer = std::get_if<CommandLine::Answer>(&wanted);
     QTEST(answer != nullptr ? answer->exitStatus : -1, "exitStatus");
     QVERIFY(answer == nullptr || !answer->text.isEmpty());
+}
+
+void TestApp::lookFollowsChoiceThenDesktop()
+{
+    const auto isDark = &DesktopLook::isDark;
+    QVERIFY(!isDark(Appearance::Light, DesktopLook::PreferDark, true));
+    QVERIFY(isDark(Appearance::Dark, DesktopLook::PreferLight, false));
+    QVERIFY(isDark(Appearance::Desktop, DesktopLook::PreferDark, false));
+    QVERIFY(!isDark(Appearance::Desktop, DesktopLook::PreferLight, true));
+    QVERIFY(isDark(Appearance::Desktop, DesktopLook::NoPreference, true));
+    QVERIFY(!isDark(Appearance::Desktop, -7, false));
 }
 
 QTEST_GUILESS_MAIN(TestApp)
