@@ -71,8 +71,8 @@ void DesktopLook::watchDesktop()
     if (!bus.isConnected()) {
         return;
     }
-    // By name, because the toolkit has no other way of it; from any sender, because it loses the signals of one
-    // whose name it has only just looked up.
+    // By name, because the toolkit has no other way of it; from any sender, because it loses the signals of
+    // one whose name it has only just looked up.
     bus.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     QDBusMessage question =
