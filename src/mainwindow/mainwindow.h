@@ -42,6 +42,7 @@ private:
     void bindTransport();
     void bindSound(Backend &backend);
     void bindSearch();
+    void bindGenres();
     void bindLists();
     void bindOwnStations();
     void bindMenus();
