@@ -1,12 +1,16 @@
 #include "mainwindow/mainwindow.h"
 
+#include "directory/exception.h"
 #include "mainwindow/rackcommands.h"
 #include "mainwindow/soundbinding.h"
+#include "mainwindow/tablecolumns.h"
 #include "mainwindow/tablecommands.h"
 #include "mainwindow/windowmemory.h"
 #include "settings/statefile.h"
 #include "ui/addrecordpopover.h"
 #include "ui/audiopopover.h"
+#include "ui/clearaction.h"
+#include "ui/genreobject.h"
 #include "ui/look.h"
 #include "ui/stationpopover.h"
 #include "ui/svgicon.h"
@@ -14,22 +18,23 @@
 
 #include <QActionGroup>
 #include <QKeyEvent>
-#include <algorithm>
-#include <array>
+#include <QLoggingCategory>
 
 namespace {
+Q_LOGGING_CATEGORY(lcWindow, "plumtide.window")
+
 // On the white tool-bar box the ink is dark in every palette.
 constexpr QRgb boxInk = 0xff4b4550;
 constexpr QRgb playInk = 0xffffffff;
 
 /// In the order of Appearance.
 constexpr QLatin1StringView appearanceKey("window/appearance");
+/// Of the two beside each other at first; what the window grows by goes to the table.
+constexpr int genresWidth = 208;
+constexpr int tableWidth = 924;
 
 constexpr qreal titleScale = 1.35;
 constexpr qreal secondaryScale = 0.95;
-
-/// From the status dot to the listeners; the last column takes the rest.
-constexpr std::array columnWidths{40, 264, 128, 72, 120, 96};
 
 void scaleFont(QWidget *widget, qreal factor)
 {
@@ -64,6 +69,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, St
     bindSound(backend);
     bindMenus();
     bindSearch();
+    bindGenres();
     bindLists();
     bindOwnStations();
     bindAppearance();
@@ -79,19 +85,14 @@ void MainWindow::layOut()
     scaleFont(ui_->subtitleStatusString, secondaryScale);
     ui_->transportStopButton->setIcon(svgIcon(QStringLiteral("stop"), boxInk));
 
-    QHeaderView *header = ui_->myTableView->horizontalHeader();
-    for (std::size_t section = 0; section < columnWidths.size(); ++section) {
-        header->resizeSection(static_cast<int>(section), columnWidths.at(section));
-    }
-    header->setSectionResizeMode(0, QHeaderView::Fixed);
-    header->setStretchLastSection(true);
     ui_->myTableView->clearSortIndicator();
     ui_->myTableView->setSortingEnabled(true);
     ui_->myTableView->setFocus();
 
     memory_->restoreGeometry(*this);
-    memory_->bindColumns(*header, StationTable::identifierRole);
+    tableColumns_ = std::make_unique<TableColumns>(*ui_->myTableView->horizontalHeader(), state_);
     memory_->bindSplitter(*ui_->listsSplitter);
+    memory_->bindSplitter(*ui_->genreSplitter);
 }
 
 void MainWindow::bindTransport()
@@ -127,15 +128,23 @@ void MainWindow::bindSearch()
         ui_->searchField->addAction(svgIcon(QStringLiteral("search"), boxInk), QLineEdit::LeadingPosition);
     search->setText(tr("Search"));
     connect(search, &QAction::triggered, player_.get(), &Player::searchForRadio);
+    addClearAction(ui_->searchField, boxInk);
+}
 
-    // The toolkit's own button looks through every icon theme for its picture before the window is there.
-    QAction *clear =
-        ui_->searchField->addAction(svgIcon(QStringLiteral("clear"), boxInk), QLineEdit::TrailingPosition);
-    clear->setText(tr("Clear"));
-    clear->setVisible(false);
-    connect(clear, &QAction::triggered, ui_->searchField, &QLineEdit::clear);
-    connect(ui_->searchField, &QLineEdit::textChanged, clear,
-            [clear](const QString &text) { clear->setVisible(!text.isEmpty()); });
+void MainWindow::bindGenres()
+{
+    ui_->genreSplitter->setSizes({genresWidth, tableWidth});
+    addClearAction(ui_->genreFilter, palette().color(QPalette::PlaceholderText));
+    ui_->myCollection->setFilterField(ui_->genreFilter);
+    // The window's last child, so that its list outlives the grid.
+    auto *genreObject = new GenreObject(ui_->myCollection, this);
+    genreObject->setMyBox(ui_->genreCard);
+    genreObject->setDelegate(player_.get());
+    try {
+        genreObject->awakeFromNib();
+    } catch (const Exception &exception) {
+        qCWarning(lcWindow).noquote() << "no genres:" << exception.reason();
+    }
 }
 
 void MainWindow::bindLists()

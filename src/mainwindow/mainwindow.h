@@ -10,6 +10,7 @@ class AudioPopover;
 class RackCommands;
 class SoundBinding;
 class StateFile;
+class TableColumns;
 class TableCommands;
 class WindowMemory;
 enum class Appearance;
@@ -51,6 +52,7 @@ private:
     void bindTransport();
     void bindSound(Backend &backend);
     void bindSearch();
+    void bindGenres();
     void bindLists();
     void bindOwnStations();
     void bindMenus();
@@ -65,6 +67,7 @@ private:
     AudioPopover *audioPopOver_;
     std::unique_ptr<SoundBinding> soundBinding_;
     std::unique_ptr<Player> player_;
+    std::unique_ptr<TableColumns> tableColumns_;
     std::unique_ptr<TableCommands> tableCommands_;
     std::unique_ptr<RackCommands> rackCommands_;
     bool painted_ = false;

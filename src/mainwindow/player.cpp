@@ -29,6 +29,10 @@ constexpr int stopTag = 202;
 constexpr int preferencesTag = 301;
 constexpr int saveTag = 302;
 
+/// The genres that are no search.
+constexpr QLatin1StringView trendingGenre{"Trending 500"};
+constexpr QLatin1StringView randomGenre{"Random Stations"};
+
 /// Where the rack is kept, in the user's music folder.
 const QString favouritesFolder = QStringLiteral("com.plumtide.folders");
 const QString favouritesFile = QStringLiteral("plumtide.data");
@@ -171,6 +175,20 @@ void Player::searchForRadio()
     const QString text = outlets_.searchField->text();
     if (!text.isEmpty()) {
         directory_.getRadioByQuery(RVObject::airAPIFormatStyle(text));
+    }
+}
+
+void Player::genreObjectReceiveName(const QString &name)
+{
+    if (name.isNull()) {
+        return;
+    }
+    if (name == trendingGenre) {
+        directory_.getTop500();
+    } else if (name == randomGenre) {
+        directory_.getRandomStation();
+    } else {
+        directory_.getRadioByQuery(RVObject::airAPIFormatStyle(name));
     }
 }
 

@@ -8,6 +8,7 @@
 #include "model/valuetransformers.h"
 #include "playback/streamplayback.h"
 #include "settings/storedsettings.h"
+#include "ui/genreobject.h"
 #include "ui/vaddrecord.h"
 
 #include <QObject>
@@ -47,7 +48,7 @@ struct DirectoryEndpoints
 
 /// The hub of the main window: owns the concerns, connects them with each other and with the outlets, and is
 /// the home of what crosses concerns. Lives on the main thread as long as the window.
-class Player : public QObject, public VAddRecordDelegate
+class Player : public QObject, public GenreObjectDelegate, public VAddRecordDelegate
 {
     Q_OBJECT
 
@@ -72,6 +73,9 @@ public:
     // The directory.
     /// Searches for the search field's text; nothing for an empty one.
     void searchForRadio();
+    /// Asks for the stations of a genre from the picker; "Trending 500" and "Random Stations", written just
+    /// so, are the directory's own lists. Nothing for a null name; an empty one is searched.
+    void genreObjectReceiveName(const QString &name) override;
 
     /// The address of the playlist of the station in that row of the table; null where there is none, or no
     /// tune-in record.

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "model/keyedcoder.h"
 #include "model/keyeddocument.h"
 #include "model/radiomodel.h"
 
 #include <QByteArray>
 #include <QHash>
-#include <QLatin1StringView>
 #include <QStringList>
-#include <QVariant>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -26,7 +25,7 @@ struct ArchivedObject
 Q_DECLARE_METATYPE(ArchivedObject)
 
 /// Writes keyed archives of station records.
-class KeyedArchiver
+class KeyedArchiver final : public KeyedEncoder
 {
 public:
     /// The archive of the list, as a binary property list; equal lists give equal bytes. A record that
@@ -37,7 +36,7 @@ public:
     /// Adds to the record that is being written. Values are QString, qlonglong, double, bool, QByteArray and
     /// ArchivedObject; any other is written as empty. In a text each unpaired surrogate becomes U+FFFD, and
     /// it ends at its first U+0000.
-    void encodeObject(const QVariant &value, QLatin1StringView key);
+    void encodeObject(const QVariant &value, QLatin1StringView key) override;
 
 private:
     /// A place among the archive's objects; 0 stands for nothing.
@@ -72,7 +71,7 @@ private:
 };
 
 /// Reads keyed archives of station records.
-class KeyedUnarchiver
+class KeyedUnarchiver final : public KeyedDecoder
 {
 public:
     /// The most stations of a list that is read: far more than anybody keeps, and no more than are written in
@@ -93,7 +92,7 @@ public:
 
     /// The value under `key` of the record that is being read: a QString, qlonglong, double, bool, QByteArray
     /// or ArchivedObject; invalid where it is absent or empty.
-    QVariant decodeObject(QLatin1StringView key) const;
+    QVariant decodeObject(QLatin1StringView key) const override;
 
 private:
     explicit KeyedUnarchiver(std::shared_ptr<const KeyedDocument> document);

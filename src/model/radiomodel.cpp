@@ -1,6 +1,6 @@
 #include "model/radiomodel.h"
 
-#include "model/keyedarchive.h"
+#include "model/keyedcoder.h"
 #include "model/rvobject.h"
 
 #include <utility>
@@ -51,7 +51,7 @@ RadioModel::RadioModel()
     setRadioUuid(RVObject::getUUID());
 }
 
-StationRecord RadioModel::initWithCoder(const KeyedUnarchiver &coder)
+StationRecord RadioModel::initWithCoder(const KeyedDecoder &coder)
 {
     StationRecord record(new RadioModel(NoDefaults()));
     for (const RadioField field : fields()) {
@@ -60,7 +60,7 @@ StationRecord RadioModel::initWithCoder(const KeyedUnarchiver &coder)
     return record;
 }
 
-void RadioModel::encodeWithCoder(KeyedArchiver &coder) const
+void RadioModel::encodeWithCoder(KeyedEncoder &coder) const
 {
     for (const RadioField field : fields()) {
         coder.encodeObject(value(field), key(field));

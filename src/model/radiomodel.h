@@ -8,8 +8,8 @@
 #include <memory>
 #include <mutex>
 
-class KeyedArchiver;
-class KeyedUnarchiver;
+class KeyedDecoder;
+class KeyedEncoder;
 class RadioModel;
 
 /// A station of the rack is one and the same record wherever it is held; who it is says the pointer, not what
@@ -62,9 +62,9 @@ public:
     RadioModel &operator=(const RadioModel &) = delete;
 
     /// A record of what the archive holds and nothing else: no defaults, no new identity.
-    static StationRecord initWithCoder(const KeyedUnarchiver &coder);
+    static StationRecord initWithCoder(const KeyedDecoder &coder);
     /// Writes all fields, each under its own name, the empty ones as empty.
-    void encodeWithCoder(KeyedArchiver &coder) const;
+    void encodeWithCoder(KeyedEncoder &coder) const;
 
     /// The name of a field: its key in an archive.
     static QLatin1StringView key(RadioField field);

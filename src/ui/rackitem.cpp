@@ -41,13 +41,6 @@ QColor mixed(const QColor &under, const QColor &over, float share)
     return QColor::fromRgbF(channel(under.redF(), over.redF()), channel(under.greenF(), over.greenF()),
                             channel(under.blueF(), over.blueF()));
 }
-
-/// From any type that an archive may hold.
-int starsOf(const RadioModel &station)
-{
-    const double stars = station.stars().toDouble();
-    return stars > 0 ? static_cast<int>(std::min<double>(stars, StarLevel::mostStars)) : 0;
-}
 } // namespace
 
 RackItem::RackItem(QWidget *parent)
@@ -92,7 +85,7 @@ void RackItem::setStation(const StationRecord &station, const ValueTransformers 
     const QString name = shown.isEmpty() ? tr("Unnamed station") : shown;
     setAccessibleName(name);
     name_->setText(name);
-    stars_->setValue(starsOf(*station));
+    stars_->setValue(StarLevel::starsOf(station->stars()));
     detailsButton_->setAccessibleName(tr("Details of %1").arg(name));
     playButton_->setAccessibleName(tr("Play %1").arg(name));
     artwork_->setAccessibleName(tr("Artwork of %1").arg(name));

@@ -20,30 +20,6 @@ constexpr int autoScrollMilliseconds = 16;
 /// Of how far the pointer is into the edge: what one turn scrolls.
 constexpr int autoScrollDivisor = 3;
 
-std::optional<TileStep> stepOf(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-        return TileStep::left;
-    case Qt::Key_Right:
-        return TileStep::right;
-    case Qt::Key_Up:
-        return TileStep::up;
-    case Qt::Key_Down:
-        return TileStep::down;
-    case Qt::Key_PageUp:
-        return TileStep::pageUp;
-    case Qt::Key_PageDown:
-        return TileStep::pageDown;
-    case Qt::Key_Home:
-        return TileStep::first;
-    case Qt::Key_End:
-        return TileStep::last;
-    default:
-        return std::nullopt;
-    }
-}
-
 /// What lies below shines through, the insertion mark above all.
 QPixmap translucent(const QPixmap &picture)
 {
@@ -156,7 +132,7 @@ void RackView::contextMenuEvent(QContextMenuEvent *event)
 void RackView::keyPressEvent(QKeyEvent *event)
 {
     layOutIfDue();
-    const auto step = stepOf(event->key());
+    const auto step = tileStepOf(event->key());
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool moves = (modifiers & ~(Qt::ControlModifier | Qt::ShiftModifier)) == Qt::NoModifier;
     event->setAccepted(grid_.count > 0);

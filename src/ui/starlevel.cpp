@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QVariant>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
@@ -33,6 +34,26 @@ QPainterPath starAt(const QPointF &centre, qreal radius)
     return star;
 }
 } // namespace
+
+int StarLevel::starsOf(const QVariant &value)
+{
+    const double stars = value.toDouble();
+    return stars > 0 ? static_cast<int>(std::min<double>(stars, mostStars)) : 0;
+}
+
+void StarLevel::paint(QPainter &painter, const QRectF &place, int stars, const Inks &inks,
+                      Qt::LayoutDirection direction)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const qreal pitch = place.width() / mostStars;
+    for (int star = 0; star < mostStars; ++star) {
+        const int column = direction == Qt::RightToLeft ? mostStars - 1 - star : star;
+        const QPointF centre(place.left() + (column + 0.5) * pitch, place.center().y());
+        painter.setBrush(star < stars ? inks.set : inks.unset);
+        painter.drawPath(starAt(centre, pitch * starShare));
+    }
+}
 
 StarLevel::StarLevel(QWidget *parent)
     : QSlider(Qt::Horizontal, parent)
@@ -99,23 +120,18 @@ void StarLevel::hideEvent(QHideEvent *event)
 void StarLevel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
     if (hasFocus()) {
         QColor ring = palette().color(QPalette::Highlight);
         ring.setAlphaF(starFocusOpacity);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
         painter.setBrush(ring);
         painter.drawRoundedRect(rect(), height() / 4.0, height() / 4.0);
     }
     QColor unset = palette().color(QPalette::WindowText);
     unset.setAlphaF(unsetOpacity);
     const QColor set = highlighted_ ? QColor::fromRgba(gold) : palette().color(QPalette::WindowText);
-    const qreal pitch = static_cast<qreal>(width()) / mostStars;
-    for (int star = 0; star < mostStars; ++star) {
-        const int column = layoutDirection() == Qt::RightToLeft ? mostStars - 1 - star : star;
-        painter.setBrush(star < value() ? set : unset);
-        painter.drawPath(starAt({(column + 0.5) * pitch, height() / 2.0}, pitch * starShare));
-    }
+    paint(painter, rect(), value(), {.set = set, .unset = unset}, layoutDirection());
 }
 
 int StarLevel::starsAt(const QMouseEvent &event) const

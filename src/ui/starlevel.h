@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QSlider>
 
 /// A rating of 0 to 5 stars. Where it is editable, a press or a drag over the stars sets as many, a press on
@@ -10,6 +11,19 @@ class StarLevel : public QSlider
 
 public:
     static constexpr int mostStars = 5;
+
+    /// The stars that a value of any type stands for: 0 where it is no number.
+    static int starsOf(const QVariant &value);
+    /// How stars are drawn.
+    struct Inks
+    {
+        QColor set;
+        QColor unset;
+    };
+    /// Draws `stars` of the stars as set and the others as unset, all of them over the width of `place`,
+    /// begun on the side where a line in that direction begins. The painter's pen and brush are changed.
+    static void paint(QPainter &painter, const QRectF &place, int stars, const Inks &inks,
+                      Qt::LayoutDirection direction);
 
     explicit StarLevel(QWidget *parent = nullptr);
 

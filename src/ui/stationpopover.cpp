@@ -28,13 +28,6 @@ bool isDefaultPicture(const QString &name)
     return name == RadioModel::directoryArtwork || name == RadioModel::customArtwork;
 }
 
-/// Whatever a record holds, as a number of stars.
-int starsOf(const QVariant &value)
-{
-    const double stars = value.toDouble();
-    return stars > 0 ? static_cast<int>(std::min<double>(stars, StarLevel::mostStars)) : 0;
-}
-
 /// Where it shows `text` already, the cursor stays where it is.
 void showText(QLineEdit *line, const QString &text)
 {
@@ -199,7 +192,7 @@ void StationPopover::showStation()
     showText(ui_->genreField, text(RadioField::genre));
     {
         const QSignalBlocker quiet(ui_->starsField);
-        ui_->starsField->setValue(station ? starsOf(station->stars()) : 0);
+        ui_->starsField->setValue(station ? StarLevel::starsOf(station->stars()) : 0);
     }
     showPicture(text(RadioField::imageFilePath));
 

@@ -13,6 +13,30 @@ qsizetype floorDivided(int dividend, int divisor)
 }
 } // namespace
 
+std::optional<TileStep> tileStepOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        return TileStep::left;
+    case Qt::Key_Right:
+        return TileStep::right;
+    case Qt::Key_Up:
+        return TileStep::up;
+    case Qt::Key_Down:
+        return TileStep::down;
+    case Qt::Key_PageUp:
+        return TileStep::pageUp;
+    case Qt::Key_PageDown:
+        return TileStep::pageDown;
+    case Qt::Key_Home:
+        return TileStep::first;
+    case Qt::Key_End:
+        return TileStep::last;
+    default:
+        return std::nullopt;
+    }
+}
+
 int TileGrid::columns() const
 {
     return std::max(1, (width - margins.left() - margins.right() + spacing) / pitchAcross());

@@ -4,9 +4,13 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <optional>
 
 /// Which way a key moves in a grid: left and right as they are seen, whichever way it is read.
 enum class TileStep { left, right, up, down, pageUp, pageDown, first, last };
+
+/// Where an arrow key, Home, End, PageUp or PageDown leads; none for any other.
+std::optional<TileStep> tileStepOf(int key);
 
 /// Indexes from `first` up to, and without, `end`.
 struct TileRange

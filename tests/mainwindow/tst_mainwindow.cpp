@@ -1,6 +1,8 @@
 #include "directory/exception.h"
 #include "playback/keypath.h"
+#include "support/clickseries.h"
 #include "support/windowstage.h"
+#include "ui/genregrid.h"
 #include "ui/spinner.h"
 
 #include <QAbstractItemModelTester>
@@ -43,6 +45,7 @@ private Q_SLOTS:
     void actionsThatHitNothing();
     void emptyListCannotBePlayed();
     void searchFieldAsksTheDirectory();
+    void genresAskTheDirectory();
     void transportCommands();
     void storedSettingsAreRead();
     void starLevels();
@@ -201,6 +204,38 @@ void TestMainWindow::searchFieldAsksTheDirectory()
     QCOMPARE(stage.status(), u"Downloading data"_s);
     QTRY_COMPARE(stage.server.requests().size(), 2);
     QVERIFY(stage.server.targets().at(1).endsWith("&search=jazz+rock"));
+}
+
+void TestMainWindow::genresAskTheDirectory()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.status(), u"Download Complete"_s);
+    const QByteArray search = "/legacy/stationsearch?k=Rk4TnW8pLq2ZbX7m&search=";
+    const QByteArray top = "/legacy/Top500/?k=Rk4TnW8pLq2ZbX7m";
+    const std::pair<QString, QByteArray> names[] = {
+        {u"Trending 500"_s, top},
+        {u"Random Stations"_s, "/station/randomstations?k=Rk4TnW8pLq2ZbX7m&f=xml"},
+        {u"trending 500"_s, search + "trending+500"},
+        {u"random stations"_s, search + "random+stations"},
+        {u"Drum and Bass"_s, search + "Drum+and+Bass"},
+        {u""_s, search},
+    };
+    QList<QByteArray> asked = stage.server.targets();
+    for (const auto &[name, target] : names) {
+        stage.window->player().genreObjectReceiveName(name);
+        stage.window->player().genreObjectReceiveName({});
+        asked.append(target);
+        QTRY_COMPARE(stage.server.targets(), asked);
+    }
+    // The second click of a double one asks for nothing: what is asked next comes next.
+    auto *genres = stage.find<GenreGrid>(u"myCollection"_s);
+    const std::pair<QList<quint64>, QByteArray> clicks[] = {{{1, 100}, top}, {{1}, top}};
+    for (const auto &[pauses, target] : clicks) {
+        clickSeries(*genres->itemAtIndex(0), pauses);
+        asked.append(target);
+        QTRY_COMPARE(stage.server.targets(), asked);
+    }
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
 }
 
 void TestMainWindow::transportCommands()

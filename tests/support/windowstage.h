@@ -20,6 +20,8 @@ struct WindowStage
 
     explicit WindowStage(const QByteArray &answer, Start start = Start::First)
     {
+        // They lie in a static library, whose initialisers the linker drops.
+        Q_INIT_RESOURCE(plumtide);
         server.scriptBody("/legacy/Top500/", answer);
         QSettings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("plumtide"),
                   QStringLiteral("plumtide"))

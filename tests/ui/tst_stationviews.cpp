@@ -1,3 +1,4 @@
+#include "support/clickseries.h"
 #include "ui/artworkloader.h"
 #include "ui/look.h"
 #include "ui/rvimageview.h"
@@ -93,18 +94,7 @@ void TestStationViews::artworkCountsClicks()
         for (CountingDelegate *listener : {&delegate, static_cast<CountingDelegate *>(nullptr)}) {
             RVImageView view;
             view.setDelegate(listener);
-            quint64 time = 0;
-            bool doubled = false;
-            for (const quint64 pause : pauses) {
-                time += pause;
-                // As the toolkit does: every second press of a quick series is a double click.
-                doubled = !doubled && pause == 100;
-                QMouseEvent event(doubled ? QEvent::MouseButtonDblClick : QEvent::MouseButtonPress, {5, 5},
-                                  {5, 5}, button, button, {});
-                event.setTimestamp(time);
-                QCoreApplication::sendEvent(&view, &event);
-                QCOMPARE(event.isAccepted(), button == Qt::LeftButton);
-            }
+            QCOMPARE(clickSeries(view, pauses, button), button == Qt::LeftButton ? pauses.size() : 0);
         }
         QCOMPARE(delegate.count, actions);
     }

@@ -52,6 +52,32 @@
     </message>
 </context>
 <context>
+    <name>GenreBox</name>
+    <message>
+        <source>Unnamed genre</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 of %2 stars</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>GenreGrid</name>
+    <message>
+        <source>No genre matches.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>Player</source>
@@ -234,10 +260,6 @@
         <translation>Suchen</translation>
     </message>
     <message>
-        <source>Clear</source>
-        <translation>Leeren</translation>
-    </message>
-    <message>
         <source>Asking the directory...</source>
         <translation>Das Verzeichnis wird gefragt …</translation>
     </message>
@@ -264,6 +286,14 @@
     <message>
         <source>Drag stations here to keep them, or press %1.</source>
         <translation>Sender, die bleiben sollen, hierher ziehen oder %1 drücken.</translation>
+    </message>
+    <message>
+        <source>Filter genres</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Genres</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -692,6 +722,13 @@
     <message>
         <source>&amp;Save</source>
         <translation>Sp&amp;eichern</translation>
+    </message>
+</context>
+<context>
+    <name>addClearAction</name>
+    <message>
+        <source>Clear</source>
+        <translation type="unfinished">Leeren</translation>
     </message>
 </context>
 </TS>

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QString>
+
+/// A name as it is compared with what somebody has typed: without case, accents, blanks and hyphens.
+QString foldedName(const QString &name);
