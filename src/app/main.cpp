@@ -6,6 +6,7 @@
 #include "directory/exception.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
+#include "ui/accessibility.h"
 #include "ui/look.h"
 #include "ui/svgicon.h"
 
@@ -71,6 +72,7 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
     // The toolkit has just taken over the user's locale; libmpv wants numbers with a point.
     std::setlocale(LC_NUMERIC, "C");
     applyLook(application);
+    installAccessibility();
     QApplication::setWindowIcon(svgIcon(QStringLiteral("plumtide")));
 
     int status = 0;

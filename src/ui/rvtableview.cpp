@@ -76,6 +76,12 @@ void RVTableView::clearSortIndicator()
     showSortedColumn();
 }
 
+void RVTableView::sortBy(int column)
+{
+    const bool again = sortedSection_ == column && sortOrder_ == Qt::AscendingOrder;
+    horizontalHeader()->setSortIndicator(column, again ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
 void RVTableView::markSortedColumn(int section, Qt::SortOrder order)
 {
     const bool untitled =

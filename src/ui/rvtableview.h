@@ -43,6 +43,11 @@ public:
     /// The row of the latest action; -1 where it hit none.
     int clickedRow() const { return clickedRow_; }
 
+    /// As a double click on that row does.
+    void act(int row);
+    /// As a click on the column's header does: a second time turns the order round.
+    void sortBy(int column);
+
     /// The numbers of the selected rows, in no particular order.
     QList<int> selectedRows() const;
 
@@ -69,7 +74,6 @@ protected:
 
 private:
     QPixmap rowImage(int row) const;
-    void act(int row);
     void markSortedColumn(int section, Qt::SortOrder order);
     void showSortedColumn();
 
