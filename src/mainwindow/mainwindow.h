@@ -9,6 +9,7 @@
 class AddRecordPopover;
 class AudioPopover;
 class RackCommands;
+class ShortcutsWindow;
 class SoundBinding;
 class TableCommands;
 
@@ -45,6 +46,8 @@ private:
     void bindLists();
     void bindOwnStations();
     void bindMenus();
+    void bindKeys();
+    bool pressInSearch(int key);
     void showRunning(bool running);
     void showPlaceholder(bool busy);
 
@@ -55,5 +58,7 @@ private:
     std::unique_ptr<Player> player_;
     std::unique_ptr<TableCommands> tableCommands_;
     std::unique_ptr<RackCommands> rackCommands_;
+    /// Made when it is first shown.
+    ShortcutsWindow *shortcutsWindow_ = nullptr;
     bool painted_ = false;
 };
