@@ -65,6 +65,8 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void initViewItemOption(QStyleOptionViewItem *option) const override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void mousePressEvent(QMouseEvent *event) override;
     void startDrag(Qt::DropActions supportedActions) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -74,6 +76,7 @@ protected:
 
 private:
     QPixmap rowImage(int row) const;
+    void paintFocus(QPainter &painter) const;
     void markSortedColumn(int section, Qt::SortOrder order);
     void showSortedColumn();
 
