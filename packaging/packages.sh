@@ -36,6 +36,7 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-l1
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.
-test_packages=(clang-format clang-tidy icecast2 pulseaudio pulseaudio-utils python3)
+test_packages=(clang-format clang-tidy icecast2 pulseaudio pulseaudio-utils python3
+    python3-gi gir1.2-atspi-2.0 at-spi2-core dbus)
 # What ./bench/run compares with, and what it listens with.
 bench_packages=(mpv pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)

@@ -9,6 +9,7 @@
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
+#include "ui/accessibility.h"
 #include "ui/svgicon.h"
 
 #include <QApplication>
@@ -75,6 +76,7 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
     installTranslations(application);
     StateFile state;
     DesktopLook look(application, state);
+    installAccessibility();
     QApplication::setWindowIcon(svgIcon(QStringLiteral("plumtide")));
 
     int status = 0;

@@ -12,13 +12,17 @@
 #include "ui/clearaction.h"
 #include "ui/genreobject.h"
 #include "ui/look.h"
+#include "ui/shortcutswindow.h"
 #include "ui/stationpopover.h"
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QLoggingCategory>
+#include <QShortcut>
 
 namespace {
 Q_LOGGING_CATEGORY(lcWindow, "plumtide.window")
@@ -68,6 +72,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, St
     bindTransport();
     bindSound(backend);
     bindMenus();
+    bindKeys();
     bindSearch();
     bindGenres();
     bindLists();
@@ -182,7 +187,6 @@ void MainWindow::bindMenus()
         connect(action, &QAction::triggered, player_.get(), [this, action] { player_->menuActions(action); });
     }
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
-    qApp->installEventFilter(this);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
     connect(ui_->stopAction, &QAction::triggered, ui_->transportStopButton, &QToolButton::click);
     connect(ui_->findAction, &QAction::triggered, this, [this] {
@@ -191,6 +195,45 @@ void MainWindow::bindMenus()
     });
     connect(ui_->topStationsAction, &QAction::triggered, &player_->stationDirectory(),
             &StationDirectory::getTop500);
+}
+
+void MainWindow::bindKeys()
+{
+    qApp->installEventFilter(this);
+    // A key that is held down is one command, but where steps are made.
+    for (QAction *action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly)) {
+        action->setAutoRepeat(action == ui_->louderAction || action == ui_->softerAction ||
+                              action == ui_->moveLeftAction || action == ui_->moveRightAction);
+    }
+    // Keyboards without a menu key have these; the toolkit knows the menu key only.
+    auto *menuKeys = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), this);
+    connect(menuKeys, &QShortcut::activated, this, [this] {
+        QWidget *focus = focusWidget() != nullptr ? focusWidget() : this;
+        const QPoint place = focus->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, place, focus->mapToGlobal(place));
+        QApplication::sendEvent(focus, &menuKey);
+    });
+    connect(ui_->shortcutsAction, &QAction::triggered, this, [this] {
+        if (shortcutsWindow_ == nullptr) {
+            shortcutsWindow_ = new ShortcutsWindow(*ui_->menuBar, this);
+        }
+        shortcutsWindow_->show();
+        shortcutsWindow_->raise();
+        shortcutsWindow_->activateWindow();
+    });
+}
+
+/// Esc takes back the search, then the way there; Down goes on to what was found.
+bool MainWindow::pressInSearch(int key)
+{
+    if (key == Qt::Key_Escape && !ui_->searchField->text().isEmpty()) {
+        ui_->searchField->clear();
+    } else if (key == Qt::Key_Escape || key == Qt::Key_Down) {
+        ui_->myTableView->setFocus(Qt::OtherFocusReason);
+    } else {
+        return false;
+    }
+    return true;
 }
 
 /// The button's picture and name say what it would do next; its text is the hub's.
@@ -274,6 +317,9 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
         static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space) {
         event->accept();
         return true;
+    }
+    if (event->type() == QEvent::KeyPress && watched == ui_->searchField) {
+        return pressInSearch(static_cast<QKeyEvent *>(event)->key());
     }
     return QMainWindow::eventFilter(watched, event);
 }

@@ -8,6 +8,7 @@
 class AddRecordPopover;
 class AudioPopover;
 class RackCommands;
+class ShortcutsWindow;
 class SoundBinding;
 class StateFile;
 class TableColumns;
@@ -57,6 +58,8 @@ private:
     void bindOwnStations();
     void bindMenus();
     void bindAppearance();
+    void bindKeys();
+    bool pressInSearch(int key);
     void showRunning(bool running);
     void showPlaceholder(const QString &text);
     QString reasonForNoStations() const;
@@ -70,5 +73,7 @@ private:
     std::unique_ptr<TableColumns> tableColumns_;
     std::unique_ptr<TableCommands> tableCommands_;
     std::unique_ptr<RackCommands> rackCommands_;
+    /// Made when it is first shown.
+    ShortcutsWindow *shortcutsWindow_ = nullptr;
     bool painted_ = false;
 };

@@ -40,6 +40,9 @@ constexpr std::array<Column, 7> columns{{
      QT_TRANSLATE_NOOP("StationTable", "Current track"), false},
 }};
 
+/// Names its row.
+constexpr int stationColumn = 1;
+
 const Column &columnAt(int section)
 {
     return columns.at(static_cast<std::size_t>(section));
@@ -221,6 +224,9 @@ QVariant StationTable::data(const QModelIndex &index, int role) const
     if (role == Qt::TextAlignmentRole) {
         return alignmentOf(column);
     }
+    if (role == Qt::AccessibleTextRole) {
+        return spokenText(index.row(), column.identifier);
+    }
     const bool isStatus = column.identifier == QLatin1StringView("id_status");
     const bool wanted =
         isStatus ? role == Qt::DecorationRole : role == Qt::DisplayRole || role == Qt::ToolTipRole;
@@ -237,6 +243,10 @@ QVariant StationTable::data(const QModelIndex &index, int role) const
 
 QVariant StationTable::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (orientation == Qt::Vertical && role == Qt::AccessibleTextRole && section >= 0 &&
+        section < rowCount()) {
+        return spokenText(section, columnAt(stationColumn).identifier);
+    }
     if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
         return {};
     }
@@ -246,6 +256,8 @@ QVariant StationTable::headerData(int section, Qt::Orientation orientation, int 
         return QCoreApplication::translate("StationTable", column.title);
     case Qt::TextAlignmentRole:
         return alignmentOf(column);
+    case Qt::AccessibleTextRole:
+        return column.sortKey.isEmpty() ? tr("Status") : QVariant();
     case identifierRole:
         return QString(column.identifier);
     default:
@@ -259,6 +271,23 @@ void StationTable::sort(int column, Qt::SortOrder order)
     tableViewSortDescriptorsDidChange(nullptr, sortable
                                                    ? QList<SortDescriptor>{{columnAt(column).sortKey, order}}
                                                    : QList<SortDescriptor>());
+}
+
+/// What a screen reader says, where that is more than what is shown: numbers with their unit, a picture's
+/// meaning.
+QVariant StationTable::spokenText(int row, QLatin1StringView identifier) const
+{
+    if (identifier == QLatin1StringView("id_status")) {
+        return tr("on air");
+    }
+    const QString shown = displayedText(tableViewObjectValueForTableColumn(nullptr, identifier, row));
+    if (!shown.isEmpty() && identifier == QLatin1StringView("id_bitrate")) {
+        return tr("%1 kbit/s").arg(shown);
+    }
+    if (!shown.isEmpty() && identifier == QLatin1StringView("id_listener")) {
+        return tr("%1 listeners").arg(shown);
+    }
+    return shown;
 }
 
 QString StationTable::displayedText(const QVariant &value) const

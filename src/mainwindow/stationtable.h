@@ -65,6 +65,7 @@ Q_SIGNALS:
 
 private:
     StationDirectory::RowComparison rowComparison(const SortDescriptor &descriptor) const;
+    QVariant spokenText(int row, QLatin1StringView identifier) const;
     QString displayedText(const QVariant &value) const;
 
     const RVTableView *myTableView_;

@@ -6,6 +6,9 @@
 #include "ui/rackview.h"
 #include "ui_mainwindow.h"
 
+#include <QActionGroup>
+#include <QHeaderView>
+#include <QMenu>
 #include <QMimeData>
 #include <algorithm>
 #include <utility>
@@ -28,6 +31,28 @@ TableCommands::TableCommands(const Ui::MainWindow &ui, StationTable &stations, R
     rackView_.addAction(ui.addFavouriteAction);
     table_.addActions({ui.addFavouriteAction, ui.copyStationNameAction, ui.copyStationAddressAction});
     table_.setContextMenuPolicy(Qt::ActionsContextMenu);
+    fillSortMenu(*ui.sortMenu);
+}
+
+void TableCommands::fillSortMenu(QMenu &menu)
+{
+    auto *columns = new QActionGroup(&menu);
+    for (int column = 0; column < stations_.columnCount(); ++column) {
+        const QString title = stations_.headerData(column, Qt::Horizontal).toString();
+        if (!title.isEmpty()) {
+            QAction *action = columns->addAction(title);
+            action->setCheckable(true);
+            action->setData(column);
+            menu.addAction(action);
+        }
+    }
+    connect(columns, &QActionGroup::triggered, this,
+            [this](const QAction *action) { table_.sortBy(action->data().toInt()); });
+    connect(&menu, &QMenu::aboutToShow, columns, [this, columns] {
+        for (QAction *action : columns->actions()) {
+            action->setChecked(action->data() == table_.horizontalHeader()->sortIndicatorSection());
+        }
+    });
 }
 
 void TableCommands::addToRack()

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <functional>
 
-class FavouritesRack;
+class QMenu;
 class RVTableView;
 class RackActions;
 class RackView;
@@ -14,7 +14,7 @@ class MainWindow;
 }
 
 /// What the layout adds to the station table for menu and keyboard: adding the selected station to the rack,
-/// by the same way as a drag and drop, and copying its name or address.
+/// by the same way as a drag and drop, copying its name or address, and sorting by a column.
 class TableCommands : public QObject
 {
     Q_OBJECT
@@ -27,6 +27,7 @@ public:
     TableCommands(const Ui::MainWindow &ui, StationTable &stations, RackActions &actions, RowText rowAddress);
 
 private:
+    void fillSortMenu(QMenu &menu);
     void addToRack();
     void copyName();
     void copyAddress();

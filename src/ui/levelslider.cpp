@@ -8,9 +8,9 @@
 namespace {
 constexpr int handleRadius = 8;
 constexpr qreal grooveHeight = 4;
-constexpr qreal focusRing = 2;
+constexpr qreal focusRing = 4;
 constexpr float grooveOpacity = 0.18F;
-constexpr float focusOpacity = 0.35F;
+constexpr float focusOpacity = 0.45F;
 } // namespace
 
 LevelSlider::LevelSlider(QWidget *parent)

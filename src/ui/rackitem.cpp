@@ -75,14 +75,25 @@ QSize RackItem::sizeFor(const QFont &font)
     return {tileWidth, margin + artworkHeight + gap + nameHeight(font) + gap + buttonSize + gap};
 }
 
+QString RackItem::nameOf(const RadioModel &station)
+{
+    const QString name = displayText(station.text(RadioField::name));
+    return name.isEmpty() ? tr("Unnamed station") : name;
+}
+
+int RackItem::starsOf(const RadioModel &station)
+{
+    const double stars = station.stars().toDouble();
+    return stars > 0 ? static_cast<int>(std::min<double>(stars, StarLevel::mostStars)) : 0;
+}
+
 void RackItem::setStation(const StationRecord &station, const ValueTransformers &transformers)
 {
     if (station != station_.lock()) {
         clear();
     }
     station_ = station;
-    const QString shown = displayText(station->text(RadioField::name));
-    const QString name = shown.isEmpty() ? tr("Unnamed station") : shown;
+    const QString name = nameOf(*station);
     setAccessibleName(name);
     name_->setText(name);
     stars_->setValue(StarLevel::starsOf(station->stars()));

@@ -35,6 +35,11 @@ public:
     /// How large a tile with that font is.
     static QSize sizeFor(const QFont &font);
 
+    /// The name that a station is shown by; never empty.
+    static QString nameOf(const RadioModel &station);
+    /// How many stars it has, 0 to 5, of whatever type an archive holds.
+    static int starsOf(const RadioModel &station);
+
     /// Null where there is none, or where it is gone: the tile does not keep it.
     StationRecord station() const { return station_.lock(); }
     /// Shows the station as it is now. The artwork's path goes through "PathTransformer", and stands as it is

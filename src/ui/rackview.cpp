@@ -86,6 +86,12 @@ RackItem *RackView::itemAtIndex(qsizetype index)
     return tileAt(index);
 }
 
+QRect RackView::placeOfTile(qsizetype index)
+{
+    layOutIfDue();
+    return grid_.rectOf(index).translated(0, -scrollOffset());
+}
+
 qsizetype RackView::currentIndex()
 {
     layOutIfDue();
@@ -149,6 +155,8 @@ void RackView::focusInEvent(QFocusEvent *event)
         setCurrent(0);
     }
     viewport()->update(focusRing());
+    // The toolkit says next that the rack has the focus; the tile has to be named after that.
+    QMetaObject::invokeMethod(this, &RackView::announceCurrent, Qt::QueuedConnection);
 }
 
 void RackView::focusOutEvent(QFocusEvent *event)
@@ -168,7 +176,7 @@ void RackView::paintEvent(QPaintEvent *)
     }
     const QColor accent = palette().color(QPalette::Highlight);
     if (hasFocus() && current_.index >= 0) {
-        const QRectF tile = grid_.rectOf(current_.index).translated(0, -scrollOffset());
+        const QRectF tile = placeOfTile(current_.index);
         const qreal radius = frame_.cornerRadius + focusRingDistance;
         painter.setPen(QPen(accent, focusRingWidth));
         painter.drawRoundedRect(
@@ -213,10 +221,14 @@ void RackView::layOut()
     verticalScrollBar()->setRange(0, std::max(0, grid_.contentHeight() - viewport()->height()));
     // The bar may have come or gone by that.
     grid_ = measuredGrid();
+    const StationRecord left = current_.station.lock();
     settle(current_);
     settle(anchor_);
     selection_ = rack_ == nullptr ? QList<qsizetype>() : rack_->selectionIndexes();
     layOutTiles();
+    if (current_.station.lock() != left) {
+        announceCurrent();
+    }
 }
 
 /// Room for the scroll bar is kept whether or not it is shown, so that the columns stay when it comes.

@@ -64,11 +64,19 @@ public:
     /// A quiet text in the middle of an empty rack; none where empty.
     void setPlaceholderText(const QString &text);
 
+    /// Null before setRack(), and once the rack is gone.
+    FavouritesRack *rack() const { return rack_; }
     qsizetype numberOfItems() const;
     /// The tile of the station at `index`; null where there is none, be it that it is out of view.
     RackItem *itemAtIndex(qsizetype index);
+    /// The station whose tile covers a point of the viewport; -1 where none does.
+    qsizetype indexUnder(const QPoint &position);
+    /// Where the tile of the station at `index` stands in the viewport, or would if it reached that far.
+    QRect placeOfTile(qsizetype index);
     /// Where the keys move from; -1 before there was any.
     qsizetype currentIndex();
+    /// Lets the keys move from there; does nothing where there is no such index.
+    void setCurrent(qsizetype index);
     /// Brings the tile at `index` into view.
     void scrollToIndex(qsizetype index);
 
@@ -143,10 +151,9 @@ private:
     QRect focusRing() const;
 
     // rackviewinput.cpp: what the user does
-    qsizetype indexUnder(const QPoint &position);
     void select(qsizetype index, Qt::KeyboardModifiers modifiers);
-    void setCurrent(qsizetype index);
     void showCurrent();
+    void announceCurrent();
     void stepTo(TileStep step, Qt::KeyboardModifiers modifiers);
     void pressEnter();
     void startDrag(const Press &press);

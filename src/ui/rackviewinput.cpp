@@ -125,7 +125,7 @@ void RackView::contextMenuEvent(QContextMenuEvent *event)
     } else {
         select(index, Qt::NoModifier);
     }
-    const QPoint middle = grid_.rectOf(index).translated(0, -scrollOffset()).center();
+    const QPoint middle = placeOfTile(index).center();
     Q_EMIT contextMenuRequested(byKey ? viewport()->mapToGlobal(middle) : event->globalPos());
 }
 
@@ -179,6 +179,7 @@ void RackView::pressEnter()
 
 void RackView::setCurrent(qsizetype index)
 {
+    layOutIfDue();
     if (index < 0 || index >= grid_.count || index == current_.index) {
         return;
     }
@@ -186,8 +187,15 @@ void RackView::setCurrent(qsizetype index)
     current_ = placeOf(index);
     viewport()->update(focusRing());
     showCurrent();
-    if (RackItem *tile = tileAt(index); tile != nullptr && hasFocus()) {
-        QAccessibleEvent focused(tile, QAccessible::Focus);
+    announceCurrent();
+}
+
+/// Whoever has the screen read to him hears of the tile that the keys are at, not of the rack.
+void RackView::announceCurrent()
+{
+    if (QAccessible::isActive() && hasFocus() && current_.index >= 0) {
+        QAccessibleEvent focused(this, QAccessible::Focus);
+        focused.setChild(static_cast<int>(current_.index));
         QAccessible::updateAccessibility(&focused);
     }
 }

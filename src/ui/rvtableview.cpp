@@ -18,7 +18,9 @@ constexpr int fixedRowHeight = 28;
 /// Wide enough to know the station by, and no wider: the picture hides where it is dropped.
 constexpr int widestDragImage = 440;
 constexpr qreal rowDragOpacity = 0.75;
-constexpr qreal dragCornerRadius = 6;
+constexpr qreal rowCornerRadius = 6;
+constexpr qreal tableFocusRingWidth = 2;
+constexpr float unfocusedTint = 0.11F;
 constexpr Qt::DropActions everyAction = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
 } // namespace
 
@@ -76,6 +78,12 @@ void RVTableView::clearSortIndicator()
     showSortedColumn();
 }
 
+void RVTableView::sortBy(int column)
+{
+    const bool again = sortedSection_ == column && sortOrder_ == Qt::AscendingOrder;
+    horizontalHeader()->setSortIndicator(column, again ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
 void RVTableView::markSortedColumn(int section, Qt::SortOrder order)
 {
     const bool untitled =
@@ -113,13 +121,48 @@ void RVTableView::keyPressEvent(QKeyEvent *event)
     QTableView::keyPressEvent(event);
 }
 
+/// Where the keys are is where the strong colour is: the selection is paler while they are elsewhere.
+void RVTableView::initViewItemOption(QStyleOptionViewItem *option) const
+{
+    QTableView::initViewItemOption(option);
+    if (!hasFocus()) {
+        QColor tint = palette().color(QPalette::Highlight);
+        tint.setAlphaF(unfocusedTint);
+        option->palette.setColor(QPalette::Highlight, tint);
+        option->palette.setColor(QPalette::HighlightedText, palette().color(QPalette::Text));
+    }
+}
+
+/// Around the row that the keys are at, unless it is selected, which shows it as well.
+void RVTableView::paintFocus(QPainter &painter) const
+{
+    const QModelIndex current = currentIndex();
+    if (!hasFocus() || !current.isValid() || selectionModel()->isSelected(current)) {
+        return;
+    }
+    constexpr qreal inset = tableFocusRingWidth / 2;
+    const QRectF row(-horizontalOffset(), rowViewportPosition(current.row()), horizontalHeader()->length(),
+                     rowHeight(current.row()));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), tableFocusRingWidth));
+    painter.drawRoundedRect(row.adjusted(inset, inset, -inset, -inset), rowCornerRadius, rowCornerRadius);
+}
+
+/// The toolkit paints the two cells anew, the ring goes round their rows.
+void RVTableView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QTableView::currentChanged(current, previous);
+    viewport()->update();
+}
+
 void RVTableView::paintEvent(QPaintEvent *event)
 {
     QTableView::paintEvent(event);
+    QPainter painter(viewport());
+    paintFocus(painter);
     if (placeholderText_.isEmpty() || model() == nullptr || model()->rowCount() > 0) {
         return;
     }
-    QPainter painter(viewport());
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect(), Qt::AlignCenter, placeholderText_);
 }
@@ -184,7 +227,7 @@ QPixmap RVTableView::rowImage(int row) const
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().color(QPalette::Highlight));
-    painter.drawRoundedRect(QRect(QPoint(), size), dragCornerRadius, dragCornerRadius);
+    painter.drawRoundedRect(QRect(QPoint(), size), rowCornerRadius, rowCornerRadius);
     QStyleOptionViewItem cell;
     initViewItemOption(&cell);
     cell.state |= QStyle::State_Enabled | QStyle::State_Active;

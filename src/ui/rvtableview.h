@@ -43,6 +43,11 @@ public:
     /// The row of the latest action; -1 where it hit none.
     int clickedRow() const { return clickedRow_; }
 
+    /// As a double click on that row does.
+    void act(int row);
+    /// As a click on the column's header does: a second time turns the order round.
+    void sortBy(int column);
+
     /// The numbers of the selected rows, in no particular order.
     QList<int> selectedRows() const;
 
@@ -60,6 +65,8 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void initViewItemOption(QStyleOptionViewItem *option) const override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void mousePressEvent(QMouseEvent *event) override;
     void startDrag(Qt::DropActions supportedActions) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -69,7 +76,7 @@ protected:
 
 private:
     QPixmap rowImage(int row) const;
-    void act(int row);
+    void paintFocus(QPainter &painter) const;
     void markSortedColumn(int section, Qt::SortOrder order);
     void showSortedColumn();
 

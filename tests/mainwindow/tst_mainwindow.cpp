@@ -4,11 +4,15 @@
 #include "support/windowstage.h"
 #include "ui/genregrid.h"
 #include "ui/spinner.h"
+#include "ui/tableaccessibility.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
 #include <QAction>
+#include <QCheckBox>
 #include <QLineEdit>
+#include <QMenu>
+#include <QSignalSpy>
 #include <QTextDocumentFragment>
 #include <QToolButton>
 #include <limits>
@@ -47,6 +51,8 @@ private Q_SLOTS:
     void searchFieldAsksTheDirectory();
     void genresAskTheDirectory();
     void transportCommands();
+    void keysGoWhereTheyAreMeant();
+    void cellsThatAreHeldFollowTheTable();
     void storedSettingsAreRead();
     void starLevels();
 };
@@ -275,6 +281,71 @@ void TestMainWindow::transportCommands()
     QCOMPARE(stage.status(), u"Terminated / lost connection"_s);
     QCOMPARE(play->text(), u"Pause"_s);
     QCOMPARE(stage.backend.livePlayers, 0);
+}
+
+void TestMainWindow::keysGoWhereTheyAreMeant()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    QVERIFY(QTest::qWaitForWindowActive(stage.window.get()));
+    const QSignalSpy playPause(stage.find<QAction>(u"spaceKeyAction"_s), &QAction::triggered);
+    const QSignalSpy stopped(stage.find<QToolButton>(u"transportStopButton"_s), &QToolButton::clicked);
+    QTest::keyClick(stage.table(), Qt::Key_N, Qt::ControlModifier);
+    QTest::keyClick(stage.table(), Qt::Key_E, Qt::ControlModifier);
+    auto *form = stage.find<QWidget>(u"customRadioPopOver"_s);
+    auto *title = stage.find<QLineEdit>(u"titleField"_s);
+    for (const auto &[name, commands] :
+         {std::pair(u"titleField"_s, 0), std::pair(u"switchButton"_s, 0), std::pair(u"searchField"_s, 0),
+          std::pair(u"transportStopButton"_s, 0), std::pair(u"volumeSlider"_s, 1),
+          std::pair(u"myCollectionView"_s, 2), std::pair(u"myTableView"_s, 3)}) {
+        QTest::keyClick(stage.find<QWidget>(name), Qt::Key_Space);
+        QVERIFY2(playPause.count() == commands, qPrintable(name));
+    }
+    QCOMPARE(title->text(), u" "_s);
+    QVERIFY(stage.find<QCheckBox>(u"switchButton"_s)->isChecked());
+    QCOMPARE(stopped.count(), 1);
+
+    title->setFocus();
+    auto *search = stage.find<QLineEdit>(u"searchField"_s);
+    QTest::keyClick(title, Qt::Key_F, Qt::ControlModifier);
+    QVERIFY(search->hasFocus() && !form->isVisible());
+    stage.find<QWidget>(u"audioPopOver"_s)->close();
+    QTest::keyClick(search, Qt::Key_Escape);
+    QVERIFY(search->hasFocus() && search->text().isEmpty());
+    for (const auto key : {Qt::Key_Escape, Qt::Key_Down}) {
+        search->setFocus();
+        QTest::keyClick(search, key);
+        QVERIFY(stage.table()->hasFocus());
+    }
+    for (const QString &first : {u""_s, u"20,000"_s}) {
+        stage.find<QMenu>(u"sortMenu"_s)->actions().at(4)->trigger();
+        QCOMPARE(stage.cell(0, 5), first);
+    }
+}
+
+void TestMainWindow::cellsThatAreHeldFollowTheTable()
+{
+    installTableAccessibility();
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    QAccessibleInterface *table = QAccessible::queryAccessibleInterface(stage.table());
+    QAccessibleInterface *cell = table->tableInterface()->cellAt(1, 3);
+    QCOMPARE(cell->text(QAccessible::Name), u"64 kbit/s"_s);
+    QCOMPARE(table->child(table->indexOfChild(cell)), cell);
+    const QRect place = cell->rect();
+    QCOMPARE(table->childAt(place.center().x(), place.center().y()), cell);
+    cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QCOMPARE(stage.title(), u"station 9"_s);
+
+    stage.server.scriptBody("/legacy/Top500/", "<l><station name='x' id='1' br='8'/></l>");
+    stage.find<QAction>(u"topStationsAction"_s)->trigger();
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 1);
+    QVERIFY(!cell->isValid() && cell->text(QAccessible::Name).isEmpty() && cell->rect().isNull());
+    cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QCOMPARE(stage.title(), u"station 9"_s);
+    const QAccessible::Id id = QAccessible::uniqueId(cell);
+    stage.window.reset();
+    QVERIFY(QAccessible::accessibleInterface(id) == nullptr);
 }
 
 void TestMainWindow::storedSettingsAreRead()

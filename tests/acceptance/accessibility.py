@@ -1,0 +1,280 @@
+#!/usr/bin/python3
+"""What an assistive program finds in the built program: accessibility.py PROGRAM LOCALRADIO
+Everything happens on a bus, a display and in a home of its own. Where something is not found, what is there is printed."""
+import os
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import urllib.request
+import xml.etree.ElementTree as ElementTree
+
+PROGRAM, LOCALRADIO = sys.argv[1:3]
+DEADLINE = 30
+
+# What is to be found, as (role, name), by where it is.
+WINDOW = [
+    ("push button", "Play"), ("push button", "Stop"), ("label", "idle"), ("push button", "Sound"), ("push button", "Add station"), ("text", "Search stations"), ("push button", "Search"),
+    ("table", "Stations"), ("list", "Favourites"),
+]
+MENUS = {
+    "Plumtide": ["Preferences...", "Quit"],
+    "Playback": ["Play or Pause", "Stop", "Louder", "Softer", "Mute", "Sound..."],
+    "Stations": ["Find...", "Top Stations", "Sort By", "Add to Favourites", "Copy Name", "Copy Address"],
+    "Favourites": ["Add Station...", "Add Blank Station", "Play Favourite", "Details...", "Move Left", "Move Right",
+                   "Copy Name", "Copy Address", "Remove", "Undo Removal", "Save Favourites"],
+    "Help": ["Keyboard Shortcuts"],
+}
+SOUND = [("slider", "Volume"), ("slider", "Bass"), ("slider", "Middle"), ("slider", "Treble"), ("check box", "Mute"),
+         ("push button", "Flat")]
+ADD_STATION = [
+    ("text", "Title"), ("text", "Address"), ("text", "Port"), ("text", "Mount point"), ("text", "Scheme"),
+    ("check box", "Private"), ("text", "User name"), ("password text", "Password"), ("check box", "Show password"),
+    ("push button", "Add Station"),
+]
+DETAILS = [("text", "Name"), ("text", "Genre"), ("slider", "Rating"), ("text", "Picture"), ("push button", "Choose..."),
+           ("push button", "Default")]
+PREFERENCES = [
+    ("panel", "Give up connecting after"), ("radio button", "15 seconds"), ("panel", "Stations a search asks for"),
+    ("radio button", "500 stations"), ("panel", "Identify to private stations as"), ("radio button", "Plumtide"),
+    ("push button", "Cancel"), ("push button", "Save"),
+]
+COLUMNS = ["Status", "Station", "Genre", "kbit/s", "Type", "Listeners", "Current track"]
+
+INTERACTIVE = {"push button", "toggle button", "check box", "radio button", "menu item", "check menu item", "menu", "text",
+               "password text", "slider", "table", "list", "list item", "combo box", "spin button", "link",
+               "dialog", "window"}
+
+
+def restart_in_private():
+    """Runs this script again, on a session bus and a display that nobody else has."""
+    with tempfile.TemporaryDirectory() as home:
+        os.mkdir(os.path.join(home, "Music"))
+        environment = {"PATH": os.environ["PATH"], "HOME": home, "XDG_CONFIG_HOME": home, "XDG_STATE_HOME": home,
+                       "XDG_RUNTIME_DIR": home, "LC_ALL": "C.UTF-8", "PRIVATE_SESSION": "1"}
+        sys.exit(subprocess.call(["dbus-run-session", "--", "xvfb-run", "--auto-servernum",
+                                  "--server-args=-screen 0 1180x760x24 -nolisten tcp", *sys.argv], env=environment))
+
+
+if "PRIVATE_SESSION" not in os.environ:
+    restart_in_private()
+
+import gi  # noqa: E402  (it reaches for the bus)
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+
+def eventually(what, attempt):
+    """The first result of `attempt` that is not false. What is asked may go away meanwhile."""
+    end = time.monotonic() + DEADLINE
+    while True:
+        try:
+            if result := attempt():
+                return result
+        except GLib.Error:
+            pass
+        if time.monotonic() > end:
+            raise AssertionError(what() if callable(what) else what)
+        while GLib.MainContext.default().iteration(False):
+            pass
+        time.sleep(0.02)
+
+
+def is_showing(thing):
+    return thing.get_state_set().contains(Atspi.StateType.SHOWING)
+
+
+def children(thing):
+    return [child for index in range(thing.get_child_count()) if (child := thing.get_child_at_index(index))]
+
+
+def walk(thing):
+    """Everything that shows, from `thing` on; of a table only the table."""
+    yield thing
+    if thing.get_role_name() != "table":
+        for child in children(thing):
+            if is_showing(child):
+                yield from walk(child)
+
+
+def outline(thing, depth=0):
+    lines = [f"{'  ' * depth}{thing.get_role_name()} '{thing.get_name()}' {thing.get_description()}"]
+    if thing.get_role_name() != "table":
+        lines += [outline(child, depth + 1) for child in children(thing) if is_showing(child)]
+    return "\n".join(lines)
+
+
+def find(root, role, name):
+    return eventually(lambda: f"no {role} '{name}' in\n{outline(root)}",
+                      lambda: next((thing for thing in walk(root)
+                                    if (thing.get_role_name(), thing.get_name()) == (role, name)), None))
+
+
+def act(thing, name):
+    names = [thing.get_action_name(index) for index in range(thing.get_n_actions())]
+    assert name in names, f"'{thing.get_name()}' has no action {name}, but {names}"
+    assert thing.do_action(names.index(name))
+
+
+def press(window, *keys):
+    """Keys into the window of that name; there is no window manager that would give it the focus."""
+    for command in (["search", "--onlyvisible", "--name", f"^{window}", "windowfocus", "--sync"], ["key", *keys]):
+        subprocess.run(["xdotool", *command], check=True, timeout=DEADLINE)
+
+
+def unnamed(root):
+    return [thing for thing in walk(root) if thing.get_role_name() in INTERACTIVE and not thing.get_name()]
+
+
+class Accessibility(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.radio = subprocess.Popen([LOCALRADIO, "--port", "0", "--key", "a-key"], stdout=subprocess.PIPE, text=True)
+        cls.addClassCleanup(cls.end, cls.radio)
+        address = cls.radio.stdout.readline().split()[-1].rstrip("/")
+        cls.program = subprocess.Popen([PROGRAM], env={
+            **os.environ, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_QPA_PLATFORM": "xcb",
+            "PLUMTIDE_AUDIO_OUTPUT": "null", "ASAN_OPTIONS": "detect_leaks=0",
+            "PLUMTIDE_DIRECTORY_URL": address + "/", "PLUMTIDE_DIRECTORY_KEY": "a-key",
+            "PLUMTIDE_TUNEIN_URL": address})
+        cls.addClassCleanup(cls.end, cls.program)
+        with urllib.request.urlopen(address + "/legacy/Top500/?k=a-key") as answer:
+            cls.stations = ElementTree.parse(answer).getroot().findall("station")
+        desktop = Atspi.get_desktop(0)
+        cls.application = eventually("the program is not on the bus", lambda: next(
+            (one for one in children(desktop) if one.get_name() == "plumtide"), None))
+        cls.application.set_cache_mask(Atspi.Cache.NONE)
+        cls.window = eventually("there is no window", lambda: next(
+            (one for one in children(cls.application) if one.get_name() == "Plumtide"), None))
+        find(cls.window, "label", "Download Complete")
+
+    @staticmethod
+    def end(process):
+        process.terminate()
+        process.wait(DEADLINE)
+        if process.stdout:
+            process.stdout.close()
+
+    def find(self, role, name):
+        return find(self.window, role, name)
+
+    def expect(self, root, things):
+        for role, name in things:
+            find(root, role, name)
+        self.assertEqual(unnamed(root), [], outline(root))
+
+    def menu(self, *path):
+        """The item of the menu bar that the names lead to."""
+        items = children(find(self.window, "menu bar", ""))
+        for name in path:
+            item = next(item for item in items if item.get_name() == name)
+            items = children(children(item)[0]) if item.get_child_count() else []
+        return item
+
+    def window_named(self, name):
+        return eventually(f"no window '{name}'", lambda: next(
+            (one for one in children(self.application) if one.get_name() == name and is_showing(one)), None))
+
+    def wait_until_gone(self, thing):
+        eventually(f"'{thing.get_name()}' still shows", lambda: not is_showing(thing))
+
+    def test_window(self):
+        self.expect(self.window, WINDOW)
+
+    def test_menus(self):
+        for menu, items in MENUS.items():
+            for item in items:
+                self.menu(menu, item)
+        for column in COLUMNS[1:]:
+            self.menu("Stations", "Sort By", column)
+
+    def test_cards_and_windows(self):
+        for button, card, things in (("Sound", "Sound", SOUND), ("Add station", "Add Station", ADD_STATION)):
+            act(self.find("push button", button), "Press")
+            root = self.find("dialog", card)
+            self.expect(root, things)
+            act(self.find("push button", button), "Press")
+            self.wait_until_gone(root)
+        act(self.menu("Plumtide", "Preferences..."), "Press")
+        preferences = self.window_named("Preferences")
+        self.expect(preferences, PREFERENCES)
+        act(find(preferences, "push button", "Cancel"), "Press")
+        self.wait_until_gone(preferences)
+        act(self.menu("Help", "Keyboard Shortcuts"), "Press")
+        shortcuts = self.window_named("Keyboard Shortcuts")
+        table = find(shortcuts, "table", "Keyboard Shortcuts").get_table_iface()
+        lines = {tuple(table.get_accessible_at(row, column).get_name() for column in (0, 1))
+                 for row in range(table.get_n_rows())}
+        self.assertLessEqual({("Play or Pause", "Space"), ("Add to Favourites", "Ctrl+D"),
+                              ("Keyboard Shortcuts", "F1"), ("Play the station", "Enter")}, lines)
+        press("Keyboard Shortcuts", "Escape")
+        self.wait_until_gone(shortcuts)
+
+    def cells(self, row):
+        table = self.find("table", "Stations").get_table_iface()
+        return [table.get_accessible_at(row, column).get_name() for column in range(table.get_n_columns())]
+
+    def test_table(self):
+        table = self.find("table", "Stations").get_table_iface()
+        self.assertEqual([table.get_column_description(column) for column in range(len(COLUMNS))], COLUMNS)
+        self.assertEqual(table.get_n_rows(), len(self.stations))
+        types = {"audio/mpeg": "MP3", "audio/aacp": "AAC"}
+        for row in (0, 1, len(self.stations) - 1):
+            station = self.stations[row].attrib
+            self.assertEqual(table.get_row_description(row), station["name"])
+            self.assertEqual(self.cells(row), [
+                "on air", station["name"], station["genre"], f"{int(station['br']):,} kbit/s",
+                types.get(station["mt"], station["mt"]), f"{int(station['lc']):,} listeners", station.get("ct", "")])
+        listeners = [int(station.get("lc")) for station in self.stations]
+        for command, first in ((table.get_column_header(5), min), (self.menu("Stations", "Sort By", "Listeners"), max)):
+            act(command, "Press")
+            eventually(lambda: f"not sorted: {self.cells(0)}",
+                       lambda: self.cells(0)[5] == f"{first(listeners):,} listeners")
+
+    def expect_streaming(self, name):
+        self.find("label", name)
+        self.find("label", "- Streaming -")
+
+    def stop(self):
+        act(self.find("push button", "Stop"), "Press")
+        self.find("label", "idle")
+
+    def test_stations_play_and_are_kept(self):
+        first, second = (station.get("name") for station in self.stations[:2])
+        table = self.find("table", "Stations").get_table_iface()
+        act(table.get_accessible_at(0, 1), "Press")
+        self.expect_streaming(first)
+        act(self.find("push button", "Pause"), "Press")
+        self.find("label", "Paused (buffering in background)")
+        act(self.find("push button", "Play"), "Press")
+        self.expect_streaming(first)
+        self.stop()
+
+        act(table.get_accessible_at(1, 1), "Toggle")
+        act(self.menu("Stations", "Add to Favourites"), "Press")
+        favourite = find(self.find("list", "Favourites"), "list item", second)
+        self.assertEqual(unnamed(self.window), [], outline(self.window))
+        heard = []
+        listener = Atspi.EventListener.new(lambda event: heard.append(event.source.get_name()))
+        listener.register("object:state-changed:focused")
+        self.addCleanup(listener.deregister, "object:state-changed:focused")
+        press("Plumtide", "Up")
+        favourite.get_component_iface().grab_focus()
+        eventually(f"the focus was not announced: {heard}", lambda: second in heard)
+        act(favourite, "Press")
+        self.expect_streaming(second)
+        self.stop()
+        act(find(favourite, "push button", f"Play {second}"), "Press")
+        self.expect_streaming(second)
+        act(favourite, "Details")
+        self.expect(self.find("dialog", "Station"), DETAILS)
+        act(favourite, "Details")
+        self.stop()
+        act(self.menu("Favourites", "Remove"), "Press")
+        eventually("the favourite is still there", lambda: not children(self.find("list", "Favourites")))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2, warnings="ignore")

@@ -1,0 +1,179 @@
+#include "model/valuetransformers.h"
+#include "ui/rackaccessibility.h"
+#include "ui/rackview.h"
+#include "ui/shortcutswindow.h"
+
+#include <QAccessible>
+#include <QAction>
+#include <QMenuBar>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+StationRecord named(const QString &name)
+{
+    auto station = std::make_shared<RadioModel>();
+    station->setName(name);
+    return station;
+}
+
+struct Recorder : RackView::Delegate
+{
+    void doubleClickRVImage(RVImageView *) override {}
+    void itemButtonAction(QAbstractButton *sender) override { pressed = sender->accessibleName(); }
+    bool collectionViewWriteItemsAtIndexes(RackView *, const QList<qsizetype> &, QMimeData &) override
+    {
+        return false;
+    }
+    Qt::DropAction collectionViewValidateDrop(RackView *, const QMimeData &, qsizetype) override
+    {
+        return Qt::IgnoreAction;
+    }
+    bool collectionViewAcceptDrop(RackView *, const QMimeData &, qsizetype) override { return false; }
+
+    QString pressed;
+};
+
+/// A rack of 400 stations of which a few are seen.
+struct Stage
+{
+    Stage()
+    {
+        for (int i = 0; i < 400; ++i) {
+            rack.addObject(named(u"Station %1"_s.arg(i)));
+        }
+        // An assistive program may ask before there is a rack.
+        view = std::make_unique<RackView>();
+        QCOMPARE(list()->childCount(), 0);
+        view->setRack(&rack, transformers);
+        view->setDelegate(&delegate);
+        view->resize(520, 300);
+        view->show();
+        Q_UNUSED(QTest::qWaitForWindowActive(view.get()));
+    }
+    QAccessibleInterface *list() { return QAccessible::queryAccessibleInterface(view.get()); }
+    QAccessible::Id idOf(int index) { return QAccessible::uniqueId(list()->child(index)); }
+    static QString nameOf(const QAccessibleInterface *thing) { return thing->text(QAccessible::Name); }
+    static void act(QAccessibleInterface *thing, const QString &name)
+    {
+        QVERIFY(thing->actionInterface()->actionNames().contains(name));
+        thing->actionInterface()->doAction(name);
+    }
+
+    FavouritesRack rack;
+    ValueTransformers transformers;
+    Recorder delegate;
+    std::unique_ptr<RackView> view;
+};
+} // namespace
+
+class TestAccessibility : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { installRackAccessibility(); }
+    void rackIsAListOfAllStations();
+    void childrenStandForStations();
+    void childrenAct();
+    void shortcutsAreThoseOfTheMenus();
+};
+
+void TestAccessibility::rackIsAListOfAllStations()
+{
+    Stage stage;
+    stage.rack.setSelectionIndexes({399});
+    const QAccessibleInterface *list = stage.list();
+    QCOMPARE(list->role(), QAccessible::List);
+    QCOMPARE(list->childCount(), 400);
+    const QAccessibleInterface *last = list->child(399);
+    QCOMPARE(last->role(), QAccessible::ListItem);
+    QCOMPARE(Stage::nameOf(last), u"Station 399"_s);
+    QVERIFY(last->state().offscreen && last->state().selected && last->childCount() == 0);
+    QVERIFY(stage.view->viewport()->findChildren<RackItem *>().size() < 20);
+
+    const QAccessibleInterface *first = list->child(0);
+    QVERIFY(!first->state().offscreen && !first->state().selected);
+    QCOMPARE(Stage::nameOf(first->child(1)), u"Play Station 0"_s);
+    QCOMPARE(first->child(1)->parent(), first);
+    const QPoint middle = first->rect().center();
+    QCOMPARE(list->childAt(middle.x(), middle.y()), first);
+    QCOMPARE(list->indexOfChild(last), 399);
+}
+
+/// Whoever holds one finds the same station behind it wherever it goes, and nothing once it is gone.
+void TestAccessibility::childrenStandForStations()
+{
+    Stage stage;
+    const QAccessible::Id kept = stage.idOf(3);
+    const QAccessible::Id gone = stage.idOf(1);
+    stage.rack.removeObjectAtArrangedObjectIndex(1);
+    stage.rack.insertObjectAtArrangedObjectIndex(named(u"New"_s), 0);
+    stage.rack.rearrangeObjects();
+    QCOMPARE(stage.idOf(3), kept);
+    QCOMPARE(Stage::nameOf(stage.list()->child(0)), u"New"_s);
+    QVERIFY(QAccessible::accessibleInterface(gone) == nullptr);
+
+    const StationRecord moved = stage.rack.radioItemCollectionArray().at(3);
+    stage.rack.removeObjectAtArrangedObjectIndex(3);
+    stage.rack.insertObjectAtArrangedObjectIndex(moved, 200);
+    stage.rack.rearrangeObjects();
+    QCOMPARE(stage.idOf(200), kept);
+
+    stage.rack.setRadioItemCollectionArray({});
+    // Asked before the rack's change has been seen to, as by a program that knows no better.
+    QAccessibleInterface *held = QAccessible::accessibleInterface(kept);
+    QVERIFY(held->state().invalid);
+    held->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QTRY_VERIFY(QAccessible::accessibleInterface(kept) == nullptr);
+
+    stage.rack.addObject(named(u"Other"_s));
+    stage.rack.rearrangeObjects();
+    const QAccessible::Id child = stage.idOf(0);
+    const QAccessible::Id list = QAccessible::uniqueId(stage.list());
+    stage.view.reset();
+    QVERIFY(QAccessible::accessibleInterface(child) == nullptr);
+    QVERIFY(QAccessible::accessibleInterface(list) == nullptr);
+}
+
+void TestAccessibility::childrenAct()
+{
+    Stage stage;
+    QSignalSpy activated(stage.view.get(), &RackView::activated);
+    QAccessibleInterface *child = stage.list()->child(300);
+    Stage::act(child, QAccessibleActionInterface::pressAction());
+    QCOMPARE(activated.value(0).value(0).toInt(), 300);
+    Stage::act(child, QAccessibleActionInterface::toggleAction());
+    QCOMPARE(stage.rack.selectionIndexes(), QList<qsizetype>{300});
+    Stage::act(child, u"Details"_s);
+    QCOMPARE(stage.delegate.pressed, u"Details of Station 300"_s);
+    Stage::act(stage.list()->child(301), QAccessibleActionInterface::setFocusAction());
+    QCOMPARE(stage.list()->focusChild(), stage.list()->child(301));
+    QVERIFY(stage.list()->child(301)->state().focused);
+}
+
+void TestAccessibility::shortcutsAreThoseOfTheMenus()
+{
+    QWidget window;
+    QMenuBar bar;
+    QMenu *menu = bar.addMenu(u"&Rock && Roll"_s);
+    menu->addAction(u"Without"_s);
+    menu->addAction(u"&First..."_s)->setShortcut(u"Ctrl+1"_s);
+    ShortcutsWindow shortcuts(bar, &window);
+    auto *table = shortcuts.findChild<QTableWidget *>();
+    shortcuts.show();
+    menu->addAction(u"Second"_s)->setShortcuts({u"Ctrl+2"_s, u"F2"_s});
+    shortcuts.close();
+    shortcuts.show();
+    QCOMPARE(table->item(0, 0)->text(), u"Rock & Roll"_s);
+    QCOMPARE(table->item(1, 0)->text() + table->item(1, 1)->text(), u"FirstCtrl+1"_s);
+    QCOMPARE(table->item(2, 0)->text() + table->item(2, 1)->text(), u"SecondCtrl+2 or F2"_s);
+    QTest::keyClick(table, Qt::Key_Escape);
+    QVERIFY(!shortcuts.isVisible());
+}
+
+QTEST_MAIN(TestAccessibility)
+#include "tst_accessibility.moc"
