@@ -55,26 +55,26 @@
     <name>GenreBox</name>
     <message>
         <source>Unnamed genre</source>
-        <translation type="unfinished"></translation>
+        <translation>Genre ohne Namen</translation>
     </message>
     <message>
         <source>%1 of %2 stars</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 von %2 Sternen</translation>
     </message>
     <message>
         <source>%1, %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1, %2</translation>
     </message>
     <message>
         <source>%1: %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>
     <name>GenreGrid</name>
     <message>
         <source>No genre matches.</source>
-        <translation type="unfinished"></translation>
+        <translation>Kein Genre passt.</translation>
     </message>
 </context>
 <context>
@@ -289,23 +289,23 @@
     </message>
     <message>
         <source>Filter genres</source>
-        <translation type="unfinished"></translation>
+        <translation>Genres filtern</translation>
     </message>
     <message>
         <source>Genres</source>
-        <translation type="unfinished"></translation>
+        <translation>Genres</translation>
     </message>
     <message>
         <source>S&amp;ort By</source>
-        <translation type="unfinished"></translation>
+        <translation>S&amp;ortieren nach</translation>
     </message>
     <message>
         <source>&amp;Help</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Hilfe</translation>
     </message>
     <message>
         <source>&amp;Keyboard Shortcuts</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Tastenkürzel</translation>
     </message>
 </context>
 <context>
@@ -323,23 +323,23 @@
     <name>RackAccessibility</name>
     <message>
         <source>custom station</source>
-        <translation type="unfinished"></translation>
+        <translation>eigener Sender</translation>
     </message>
     <message>
         <source>%1 kbit/s</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 kbit/s</translation>
     </message>
     <message>
         <source>%1 of %2 stars</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 von %2 Sternen</translation>
     </message>
     <message>
         <source>Play</source>
-        <translation type="unfinished">Abspielen</translation>
+        <translation>Abspielen</translation>
     </message>
     <message>
         <source>Show Details</source>
-        <translation type="unfinished"></translation>
+        <translation>Details zeigen</translation>
     </message>
 </context>
 <context>
@@ -428,103 +428,103 @@
     <name>ShortcutsWindow</name>
     <message>
         <source>Play the station</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Sender abspielen</translation>
     </message>
     <message>
         <source>Enter</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingabe</translation>
     </message>
     <message>
         <source>Go to another station</source>
-        <translation type="unfinished"></translation>
+        <translation>Zu einem anderen Sender gehen</translation>
     </message>
     <message>
         <source>Arrow keys</source>
-        <translation type="unfinished"></translation>
+        <translation>Pfeiltasten</translation>
     </message>
     <message>
         <source>Select several stations</source>
-        <translation type="unfinished"></translation>
+        <translation>Mehrere Sender auswählen</translation>
     </message>
     <message>
         <source>Shift+Arrow keys</source>
-        <translation type="unfinished"></translation>
+        <translation>Umschalt+Pfeiltasten</translation>
     </message>
     <message>
         <source>Add a favourite to the selection</source>
-        <translation type="unfinished"></translation>
+        <translation>Einen Favoriten zur Auswahl hinzunehmen</translation>
     </message>
     <message>
         <source>Ctrl+Space</source>
-        <translation type="unfinished"></translation>
+        <translation>Strg+Leertaste</translation>
     </message>
     <message>
         <source>Menu of the station</source>
-        <translation type="unfinished"></translation>
+        <translation>Menü des Senders</translation>
     </message>
     <message>
         <source>Menu key or Shift+F10</source>
-        <translation type="unfinished"></translation>
+        <translation>Menütaste oder Umschalt+F10</translation>
     </message>
     <message>
         <source>Go to the next part of the window</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum nächsten Teil des Fensters gehen</translation>
     </message>
     <message>
         <source>Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab</translation>
     </message>
     <message>
         <source>Go to the part before</source>
-        <translation type="unfinished"></translation>
+        <translation>Zum Teil davor gehen</translation>
     </message>
     <message>
         <source>Shift+Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Umschalt+Tab</translation>
     </message>
     <message>
         <source>From the search to the stations</source>
-        <translation type="unfinished"></translation>
+        <translation>Von der Suche zu den Sendern</translation>
     </message>
     <message>
         <source>Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Pfeil ab</translation>
     </message>
     <message>
         <source>Clear the search, or close what is open</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Suche leeren oder schließen, was offen ist</translation>
     </message>
     <message>
         <source>Esc</source>
-        <translation type="unfinished"></translation>
+        <translation>Esc</translation>
     </message>
     <message>
         <source>Open the menus</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Menüs öffnen</translation>
     </message>
     <message>
         <source>Alt</source>
-        <translation type="unfinished"></translation>
+        <translation>Alt</translation>
     </message>
     <message>
         <source> or </source>
-        <translation type="unfinished"></translation>
+        <translation> oder </translation>
     </message>
     <message>
         <source>Keyboard Shortcuts</source>
-        <translation type="unfinished"></translation>
+        <translation>Tastenkürzel</translation>
     </message>
     <message>
         <source>Command</source>
-        <translation type="unfinished"></translation>
+        <translation>Befehl</translation>
     </message>
     <message>
         <source>Keys</source>
-        <translation type="unfinished"></translation>
+        <translation>Tasten</translation>
     </message>
     <message>
         <source>Lists and Cards</source>
-        <translation type="unfinished"></translation>
+        <translation>Listen und Karten</translation>
     </message>
 </context>
 <context>
@@ -637,30 +637,30 @@
     </message>
     <message>
         <source>Status</source>
-        <translation type="unfinished"></translation>
+        <translation>Status</translation>
     </message>
     <message>
         <source>on air</source>
-        <translation type="unfinished"></translation>
+        <translation>auf Sendung</translation>
     </message>
     <message>
         <source>%1 kbit/s</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 kbit/s</translation>
     </message>
     <message>
         <source>%1 listeners</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 Hörer</translation>
     </message>
 </context>
 <context>
     <name>TableAccessibility</name>
     <message>
         <source>Play</source>
-        <translation type="unfinished">Abspielen</translation>
+        <translation>Abspielen</translation>
     </message>
     <message>
         <source>Sort</source>
-        <translation type="unfinished"></translation>
+        <translation>Sortieren</translation>
     </message>
 </context>
 <context>
@@ -893,7 +893,7 @@
     <name>addClearAction</name>
     <message>
         <source>Clear</source>
-        <translation type="unfinished">Leeren</translation>
+        <translation>Leeren</translation>
     </message>
 </context>
 </TS>
