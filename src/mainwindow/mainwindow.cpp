@@ -1,10 +1,12 @@
 #include "mainwindow/mainwindow.h"
 
+#include "mainwindow/infobinding.h"
 #include "mainwindow/rackcommands.h"
 #include "mainwindow/soundbinding.h"
 #include "mainwindow/tablecommands.h"
 #include "ui/addrecordpopover.h"
 #include "ui/audiopopover.h"
+#include "ui/historypopover.h"
 #include "ui/stationpopover.h"
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
@@ -51,6 +53,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend)
     player_ = std::make_unique<Player>(outlets, endpoints, backend);
     bindTransport();
     bindSound(backend);
+    bindInfo(backend);
     bindMenus();
     bindSearch();
     bindLists();
@@ -103,6 +106,27 @@ void MainWindow::bindSound(Backend &backend)
     };
     connect(ui_->muteAction, &QAction::toggled, this, showMuted);
     showMuted(ui_->muteAction->isChecked());
+}
+
+void MainWindow::bindInfo(const Backend &backend)
+{
+    infoBinding_ = std::make_unique<InfoBinding>(*ui_->infoView, backend.heardStream());
+    connect(&player_->streamPlayback(), &StreamPlayback::titleChanged, infoBinding_.get(),
+            &InfoBinding::setStation);
+    ui_->infoView->historyButton()->setIcon(svgIcon(QStringLiteral("history"), boxInk));
+    setTabOrder(ui_->transportStopButton, ui_->infoView->historyButton());
+    auto *popover = new HistoryPopover(this, infoBinding_->history());
+    const auto toggle = [this, popover] {
+        if (popover->isShown()) {
+            popover->close();
+        } else {
+            QWidget *view = ui_->infoView->isVisible() ? static_cast<QWidget *>(ui_->infoView)
+                                                       : static_cast<QWidget *>(ui_->myToolbarBox);
+            popover->showRelativeTo(view->rect(), view);
+        }
+    };
+    connect(ui_->infoView, &InfoView::clicked, this, toggle);
+    connect(ui_->recentTitlesAction, &QAction::triggered, this, toggle);
 }
 
 void MainWindow::bindSearch()

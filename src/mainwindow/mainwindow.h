@@ -8,6 +8,7 @@
 
 class AddRecordPopover;
 class AudioPopover;
+class InfoBinding;
 class RackCommands;
 class SoundBinding;
 class TableCommands;
@@ -41,6 +42,7 @@ private:
     void layOut();
     void bindTransport();
     void bindSound(Backend &backend);
+    void bindInfo(const Backend &backend);
     void bindSearch();
     void bindLists();
     void bindOwnStations();
@@ -52,6 +54,7 @@ private:
     StateFile state_;
     AudioPopover *audioPopOver_;
     std::unique_ptr<SoundBinding> soundBinding_;
+    std::unique_ptr<InfoBinding> infoBinding_;
     std::unique_ptr<Player> player_;
     std::unique_ptr<TableCommands> tableCommands_;
     std::unique_ptr<RackCommands> rackCommands_;
