@@ -1,6 +1,7 @@
 #include "mainwindow/mainwindow.h"
 
 #include "directory/exception.h"
+#include "mainwindow/infobinding.h"
 #include "mainwindow/rackcommands.h"
 #include "mainwindow/soundbinding.h"
 #include "mainwindow/tablecolumns.h"
@@ -11,6 +12,7 @@
 #include "ui/audiopopover.h"
 #include "ui/clearaction.h"
 #include "ui/genreobject.h"
+#include "ui/historypopover.h"
 #include "ui/look.h"
 #include "ui/shortcutswindow.h"
 #include "ui/stationpopover.h"
@@ -71,6 +73,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, St
     player_ = std::make_unique<Player>(outlets, endpoints, backend);
     bindTransport();
     bindSound(backend);
+    bindInfo(backend);
     bindMenus();
     bindKeys();
     bindSearch();
@@ -124,6 +127,27 @@ void MainWindow::bindSound(Backend &backend)
     };
     connect(ui_->muteAction, &QAction::toggled, this, showMuted);
     showMuted(ui_->muteAction->isChecked());
+}
+
+void MainWindow::bindInfo(const Backend &backend)
+{
+    infoBinding_ = std::make_unique<InfoBinding>(*ui_->infoView, backend.heardStream());
+    connect(&player_->streamPlayback(), &StreamPlayback::titleChanged, infoBinding_.get(),
+            &InfoBinding::setStation);
+    ui_->infoView->historyButton()->setIcon(svgIcon(QStringLiteral("history"), boxInk));
+    setTabOrder(ui_->transportStopButton, ui_->infoView->historyButton());
+    auto *popover = new HistoryPopover(this, infoBinding_->history());
+    const auto toggle = [this, popover] {
+        if (popover->isShown()) {
+            popover->close();
+        } else {
+            QWidget *view = ui_->infoView->isVisible() ? static_cast<QWidget *>(ui_->infoView)
+                                                       : static_cast<QWidget *>(ui_->myToolbarBox);
+            popover->showRelativeTo(view->rect(), view);
+        }
+    };
+    connect(ui_->infoView, &InfoView::clicked, this, toggle);
+    connect(ui_->recentTitlesAction, &QAction::triggered, this, toggle);
 }
 
 void MainWindow::bindSearch()

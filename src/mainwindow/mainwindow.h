@@ -7,6 +7,7 @@
 
 class AddRecordPopover;
 class AudioPopover;
+class InfoBinding;
 class RackCommands;
 class ShortcutsWindow;
 class SoundBinding;
@@ -52,6 +53,7 @@ private:
     void layOut();
     void bindTransport();
     void bindSound(Backend &backend);
+    void bindInfo(const Backend &backend);
     void bindSearch();
     void bindGenres();
     void bindLists();
@@ -69,6 +71,7 @@ private:
     std::unique_ptr<WindowMemory> memory_;
     AudioPopover *audioPopOver_;
     std::unique_ptr<SoundBinding> soundBinding_;
+    std::unique_ptr<InfoBinding> infoBinding_;
     std::unique_ptr<Player> player_;
     std::unique_ptr<TableColumns> tableColumns_;
     std::unique_ptr<TableCommands> tableCommands_;

@@ -2,6 +2,7 @@
 
 #include "directory/httpexchange.h"
 #include "model/soundsettings.h"
+#include "playback/heardstream.h"
 #include "playback/observable.h"
 
 #include <QUrl>
@@ -65,6 +66,9 @@ public:
     /// How everything sounds from now on: what plays, without a click, and what will. Values out of range are
     /// brought into it. Main thread.
     virtual void setSound(const SoundSettings &settings) = 0;
+
+    /// What is heard of the player that plays; empty without one. Lives as long as the backend. Main thread.
+    virtual const HeardStream &heardStream() const = 0;
 };
 
 Q_DECLARE_METATYPE(BackendItem::TimeRange)

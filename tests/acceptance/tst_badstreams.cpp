@@ -2,6 +2,7 @@
 #include "support/stage.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
@@ -61,6 +62,8 @@ private Q_SLOTS:
     void deadStationsEnd();
     void oddStationsPlay_data();
     void oddStationsPlay();
+    void oddTitlesAreShown_data();
+    void oddTitlesAreShown();
     void closingServersEnd_data();
     void closingServersEnd();
     void cleanupTestCase();
@@ -219,6 +222,29 @@ void TestBadStreams::oddStationsPlay()
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     QCOMPARE(visited().constLast(), QString::fromLatin1(inFull(heard)));
     QVERIFY(!sound_->wasOpened());
+}
+
+void TestBadStreams::oddTitlesAreShown_data()
+{
+    QTest::addColumn<QString>("form");
+    // Which of the station's tracks is on depends on the time.
+    QTest::newRow("STREAM") << u"^[^-]+ - [^-]+$"_s;
+    QTest::newRow("STREAM?icy=latin1") << u"^Déjà vu, [^-]+ - [^-]+$"_s;
+    QTest::newRow("STREAM?icy=nul") << u"^[A-Z][A-Za-z ]+$"_s;
+    QTest::newRow("STREAM?icy=unterminated") << u"^[^']+ - [^']+$"_s;
+    QTest::newRow("STREAM?icy=long") << u"^.{511}\u2026$"_s;
+    QTest::newRow("STREAM?icy=flood") << u"^[^-]+ - [^-]+ \\d+$"_s;
+}
+
+void TestBadStreams::oddTitlesAreShown()
+{
+    QFETCH(QString, form);
+    play(QTest::currentDataTag(), 4);
+    const QRegularExpression wanted(form);
+    QTRY_VERIFY2_WITH_TIMEOUT(wanted.match(stage_->text(u"nowPlayingLabel"_s)).hasMatch(),
+                              qPrintable(stage_->text(u"nowPlayingLabel"_s)), Stage::soundTime);
+    // By the sound, whatever the server announces.
+    QCOMPARE(stage_->text(u"formatLabel"_s), u"MP3 128 kbit/s"_s);
 }
 
 void TestBadStreams::closingServersEnd_data()

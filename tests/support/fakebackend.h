@@ -90,6 +90,7 @@ public:
     std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
     std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
     void setSound(const SoundSettings &settings) override { sound = settings; }
+    const HeardStream &heardStream() const override { return heard; }
 
     /// "item URL", "player", "+KEYPATH", "-KEYPATH", "~player", "~item".
     Journal journal;
@@ -99,4 +100,6 @@ public:
     FakePlayer *player = nullptr;
     int livePlayers = 0;
     SoundSettings sound;
+    /// What a test says that is heard.
+    HeardStream heard;
 };

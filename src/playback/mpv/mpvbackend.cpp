@@ -77,7 +77,9 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
         // Content types are often wrong; a lower score than the usual one lets the data speak.
         {"demuxer-lavf-probescore", "10"},
         {"demuxer-max-bytes", QByteArray::number(MpvItem::playingBufferBytes)},
-        {"demuxer-max-back-bytes", "0"},
+        // libmpv keeps a title along with the sound before it: without any, one that waits to be heard is
+        // forgotten when the next arrives.
+        {"demuxer-max-back-bytes", "256KiB"},
         {"demuxer-donate-buffer", "no"},
         {"network-timeout", networkTimeout(request.timeout)},
         // A redirect would take the request's headers to another host.
@@ -106,7 +108,8 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
 MpvBackend::MpvBackend(AudioOutput output, qint64 pausedBufferBytes)
     : output_(std::move(output))
     , sound_(std::make_shared<ListenerSound>())
-    , conditions_{sound_, pausedBufferBytes, !output_.isFile(), output_.isAutomatic()}
+    , heard_(std::make_shared<HeardStream>())
+    , conditions_{sound_, heard_, pausedBufferBytes, !output_.isFile(), output_.isAutomatic()}
     , library_(std::make_shared<Preload>())
     , detached_(std::make_shared<DetachedWork>())
 {

@@ -24,6 +24,7 @@ public:
     std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
     std::shared_ptr<BackendPlayer> makePlayer(const std::shared_ptr<BackendItem> &item) override;
     void setSound(const SoundSettings &settings) override;
+    const HeardStream &heardStream() const override { return *heard_; }
 
     /// Whether what goes on beside the main thread is done within `time`: cores that are torn down, the
     /// library that is opened. Where not, the process must end without running its exit handlers, because
@@ -35,6 +36,7 @@ private:
 
     AudioOutput output_;
     std::shared_ptr<ListenerSound> sound_;
+    std::shared_ptr<HeardStream> heard_;
     MpvConditions conditions_;
     std::shared_ptr<Preload> library_;
     std::shared_ptr<DetachedWork> detached_;

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 #include <memory>
 
+class HeardStream;
 class ListenerSound;
 
 /// What the items of one backend have in common.
@@ -12,6 +13,7 @@ struct MpvConditions
     static constexpr qint64 usualPausedBufferBytes = 160LL * 1024 * 1024;
 
     std::shared_ptr<const ListenerSound> sound;
+    std::shared_ptr<HeardStream> heard;
     /// What a pause may load until the buffer counts as full.
     qint64 pausedBufferBytes = usualPausedBufferBytes;
     /// Whether the output takes sound at the pace at which it is heard.

@@ -3,6 +3,7 @@
 #include "directory/address.h"
 #include "playback/keypath.h"
 #include "playback/mpv/listenersound.h"
+#include "playback/mpv/mpvnode.h"
 #include "playback/mpv/mpvplayer.h"
 #include "playback/streamresolver.h"
 
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -32,40 +32,10 @@ constexpr std::chrono::milliseconds longestPauseDelay{500};
 /// How often a sound server is looked for where there was none.
 constexpr std::chrono::milliseconds outputRetryTime{3000};
 
-const mpv_node *member(const mpv_node &map, const char *key)
-{
-    if (map.format == MPV_FORMAT_NODE_MAP) {
-        for (int index = 0; index < map.u.list->num; ++index) {
-            if (std::strcmp(map.u.list->keys[index], key) == 0) {
-                return &map.u.list->values[index];
-            }
-        }
-    }
-    return nullptr;
-}
-
-double secondsAt(const mpv_node &map, const char *key)
-{
-    const mpv_node *node = member(map, key);
-    return node != nullptr && node->format == MPV_FORMAT_DOUBLE ? node->u.double_ : 0;
-}
-
 /// As a value in a list of options, whatever stands in it.
 QByteArray verbatim(const QByteArray &text)
 {
     return '%' + QByteArray::number(text.size()) + '%' + text;
-}
-
-bool flagAt(const mpv_node &map, const char *key)
-{
-    const mpv_node *node = member(map, key);
-    return node != nullptr && node->format == MPV_FORMAT_FLAG && node->u.flag != 0;
-}
-
-qint64 numberAt(const mpv_node &map, const char *key)
-{
-    const mpv_node *node = member(map, key);
-    return node != nullptr && node->format == MPV_FORMAT_INT64 ? node->u.int64 : 0;
 }
 } // namespace
 
@@ -142,7 +112,10 @@ void MpvItem::begin()
     handle_->observe("current-ao", MPV_FORMAT_STRING);
     handle_->observe("core-idle", MPV_FORMAT_FLAG);
     handle_->observe("demuxer-cache-state", MPV_FORMAT_NODE);
+    handle_->observe("metadata", MPV_FORMAT_NODE);
+    handle_->observe("current-tracks/audio", MPV_FORMAT_NODE);
     soundControl_ = std::make_unique<SoundControl>(*handle_, *conditions_.sound);
+    heardReport_ = std::make_unique<HeardReport>(conditions_.heard);
 
     resolver_ = std::make_unique<StreamResolver>(request_);
     connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
@@ -195,6 +168,7 @@ void MpvItem::shutDown()
     pauseDelay_.stop();
     dry_.stop();
     soundControl_.reset();
+    heardReport_.reset();
     handle_.reset();
     resolver_.reset();
 }
@@ -258,13 +232,22 @@ void MpvItem::handle(const mpv_event &event)
 void MpvItem::propertyChanged(const mpv_event_property &property)
 {
     const QLatin1StringView name(property.name);
-    if (property.format == MPV_FORMAT_FLAG) {
+    const auto *node =
+        property.format == MPV_FORMAT_NODE ? static_cast<const mpv_node *>(property.data) : nullptr;
+    if (name == QLatin1StringView("metadata")) {
+        heardReport_->metadataChanged(node);
+    } else if (name == QLatin1StringView("current-tracks/audio")) {
+        heardReport_->trackChanged(node);
+    } else if (name == QLatin1StringView("demuxer-cache-state")) {
+        heardReport_->cacheChanged(node);
+        if (node != nullptr) {
+            cacheChanged(*node);
+        }
+    } else if (property.format == MPV_FORMAT_FLAG) {
         const bool value = *static_cast<const int *>(property.data) != 0;
         if (name == QLatin1StringView("core-idle") && !value && !sounded_) {
             soundStarted();
         }
-    } else if (property.format == MPV_FORMAT_NODE) {
-        cacheChanged(*static_cast<const mpv_node *>(property.data));
     } else if (property.format == MPV_FORMAT_STRING) {
         outputChanged(*static_cast<const char *const *>(property.data));
     }
@@ -307,7 +290,7 @@ void MpvItem::soundStarted()
 void MpvItem::cacheChanged(const mpv_node &state)
 {
     ranges_.clear();
-    if (const mpv_node *ranges = member(state, "seekable-ranges");
+    if (const mpv_node *ranges = nodeAt(state, "seekable-ranges");
         ranges != nullptr && ranges->format == MPV_FORMAT_NODE_ARRAY) {
         for (int index = 0; index < ranges->u.list->num; ++index) {
             const mpv_node &range = ranges->u.list->values[index];
@@ -316,7 +299,7 @@ void MpvItem::cacheChanged(const mpv_node &state)
                 QVariant::fromValue(BackendItem::TimeRange{secondsAt(range, "start"), rangesEnd_}));
         }
     }
-    if (ranges_.isEmpty() && member(state, "cache-end") != nullptr) {
+    if (ranges_.isEmpty() && nodeAt(state, "cache-end") != nullptr) {
         // All that was loaded has been played already, as with an output that is faster than the stream.
         rangesEnd_ = secondsAt(state, "cache-end");
         ranges_.append(

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "playback/backend.h"
+#include "playback/mpv/heardreport.h"
 #include "playback/mpv/mpvconditions.h"
 #include "playback/mpv/mpvhandle.h"
 #include "playback/mpv/soundcontrol.h"
@@ -61,6 +62,7 @@ private:
     MpvConditions conditions_;
     std::unique_ptr<MpvHandle> handle_;
     std::unique_ptr<SoundControl> soundControl_;
+    std::unique_ptr<HeardReport> heardReport_;
     bool outputOpen_ = false;
     /// Runs while there is no sound server to play through.
     QTimer outputRetry_;

@@ -78,6 +78,108 @@
     </message>
 </context>
 <context>
+    <name>HistoryPopover</name>
+    <message>
+        <source>Recent titles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy the selected titles, or all of them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save as CSV...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save all of them as a table for other programs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Titles %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Titles appear here as they are heard.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Titles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tables (*.csv)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Saved.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not saved: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>InfoView</name>
+    <message>
+        <source>Now playing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What plays now</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Format and bit rate of the sound</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sound in reserve</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sound that waits to be played</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sound that waits to be played: a break in the connection is not heard until it runs out</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recent titles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 %2 kbit/s</source>
+        <translation type="unfinished">%1 kbit/s {1 %2 ?}</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 h</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>Player</source>
@@ -306,6 +408,10 @@
     <message>
         <source>&amp;Keyboard Shortcuts</source>
         <translation>&amp;Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Recent &amp;Titles...</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -661,6 +767,21 @@
     <message>
         <source>Sort</source>
         <translation>Sortieren</translation>
+    </message>
+</context>
+<context>
+    <name>TitleHistory</name>
+    <message>
+        <source>Time</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>Station</source>
+        <translation>Sender</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "model/titlehistory.h"
+
+#include <QDateTime>
+#include <QDeadlineTimer>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+class HeardStream;
+class InfoView;
+struct StreamInfo;
+
+/// Binds what is heard to the information area, which shows it, and to the history of titles, which it owns.
+/// However fast a station changes its titles, both stay calm.
+class InfoBinding : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Both must outlive this object.
+    InfoBinding(InfoView &view, const HeardStream &heard);
+
+    TitleHistory &history() { return history_; }
+
+    /// The station that what is heard from now on comes from.
+    void setStation(const QString &name);
+
+private:
+    void heardChanged(const StreamInfo &info);
+    void titleChanged(const QString &title);
+    void enterTitle();
+    void show();
+
+    InfoView &view_;
+    const HeardStream &heard_;
+    TitleHistory history_;
+    QString station_;
+    /// As it is shown, and since when.
+    QString title_;
+    QDateTime since_;
+    /// Runs until the title has stood long enough for the history.
+    QTimer settling_;
+    /// The area stays as it is until then; what comes meanwhile waits for the timer.
+    QDeadlineTimer calm_{0};
+    QTimer showing_;
+};

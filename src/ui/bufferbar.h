@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QProgressBar>
+
+/// A small bar that fills with the sound in reserve, without a text of its own. The toolkit's cannot be drawn
+/// with round ends at this size.
+class BufferBar : public QProgressBar
+{
+    Q_OBJECT
+
+public:
+    explicit BufferBar(QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};

@@ -1,0 +1,104 @@
+#include "ui/infoview.h"
+
+#include "ui_infoview.h"
+
+#include <QMouseEvent>
+#include <algorithm>
+#include <utility>
+
+namespace {
+constexpr qreal smallScale = 0.95;
+/// With less room than that the format is worth more than the bar.
+constexpr int narrowestWithBar = 240;
+constexpr int narrowestToolbar = 800;
+constexpr int secondsPerMinute = 60;
+/// What is told in seconds and in minutes at most.
+constexpr int longestCount = 99;
+
+QString formatText(const StreamInfo &info)
+{
+    return info.bitrate > 0 ? InfoView::tr("%1 %2 kbit/s").arg(info.codec).arg(info.bitrate) : info.codec;
+}
+
+/// A pause fills the buffer for up to hours.
+QString durationText(int seconds)
+{
+    const int minutes = seconds / secondsPerMinute;
+    if (seconds <= longestCount) {
+        return InfoView::tr("%1 s").arg(seconds);
+    }
+    return minutes <= longestCount ? InfoView::tr("%1 min").arg(minutes)
+                                   : InfoView::tr("%1 h").arg(minutes / secondsPerMinute);
+}
+} // namespace
+
+InfoView::InfoView(QWidget *toolbar)
+    : QWidget(toolbar)
+    , ui_(std::make_unique<Ui::InfoView>())
+{
+    ui_->setupUi(this);
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * smallScale);
+    ui_->formatLabel->setFont(small);
+    ui_->bufferLabel->setFont(small);
+    // One of fixed size lays nothing out anew when its text changes.
+    ui_->bufferLabel->setFixedSize(QFontMetrics(small).horizontalAdvance(tr("%1 min").arg(88)),
+                                   QFontMetrics(small).height());
+    connect(ui_->historyButton, &QToolButton::clicked, this, &InfoView::clicked);
+    setInfo({});
+    toolbar->installEventFilter(this);
+}
+
+InfoView::~InfoView() = default;
+
+QToolButton *InfoView::historyButton() const
+{
+    return ui_->historyButton;
+}
+
+void InfoView::setInfo(const StreamInfo &info)
+{
+    playing_ = !info.isEmpty();
+    ui_->nowPlayingLabel->setText(info.title);
+    ui_->formatLabel->setText(formatText(info));
+    ui_->bufferLabel->setText(playing_ ? durationText(info.buffered) : QString());
+    ui_->bufferBar->setValue(std::min(info.buffered, ui_->bufferBar->maximum()));
+    showBar();
+}
+
+/// Its place is kept while nothing plays.
+void InfoView::showBar()
+{
+    const bool hasRoom = width() >= narrowestWithBar;
+    QSizePolicy policy = ui_->bufferBar->sizePolicy();
+    policy.setRetainSizeWhenHidden(hasRoom);
+    ui_->bufferBar->setSizePolicy(policy);
+    ui_->bufferBar->setVisible(hasRoom && playing_);
+}
+
+void InfoView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    showBar();
+}
+
+bool InfoView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+        setVisible(parentWidget()->width() >= narrowestToolbar);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void InfoView::mousePressEvent(QMouseEvent *event)
+{
+    pressed_ = event->button() == Qt::LeftButton;
+    event->setAccepted(pressed_);
+}
+
+void InfoView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (std::exchange(pressed_, false) && rect().contains(event->position().toPoint())) {
+        Q_EMIT clicked();
+    }
+}

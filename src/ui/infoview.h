@@ -1,0 +1,46 @@
+#pragma once
+
+#include "playback/heardstream.h"
+
+#include <QWidget>
+#include <memory>
+
+class QToolButton;
+
+namespace Ui {
+class InfoView;
+}
+
+/// The information area of the tool bar: what plays now, in which format, and how much sound waits to be
+/// played. What it shows never moves anything, neither around it nor in it. Where it is narrow it leaves out
+/// the bar, and where the tool bar is, it goes, so that the others have room.
+class InfoView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit InfoView(QWidget *toolbar);
+    ~InfoView() override;
+
+    /// Its title must be fit to be shown. An empty one leaves the area empty.
+    void setInfo(const StreamInfo &info);
+
+    QToolButton *historyButton() const;
+
+Q_SIGNALS:
+    /// By the button or anywhere else in the area.
+    void clicked();
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void showBar();
+
+    std::unique_ptr<Ui::InfoView> ui_;
+    bool playing_ = false;
+    bool pressed_ = false;
+};
