@@ -78,6 +78,7 @@ void Player::awakeFromNib()
     if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
         FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
     }
+    favourites_.own(favouritesFolder, favouritesFile);
     outlets_.customRadioPopOver->setDelegate(this);
     outlets_.customRadioPopOver->setBehaviour(Popover::Behaviour::SemiTransient);
     preferences_ = std::make_unique<WPreferences>(settings_);
