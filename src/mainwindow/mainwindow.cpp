@@ -9,6 +9,7 @@
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
 
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <array>
 
@@ -146,9 +147,11 @@ void MainWindow::bindOwnStations()
 
 void MainWindow::bindMenus()
 {
-    for (QAction *action : {ui_->preferencesAction, ui_->saveRackAction}) {
+    for (QAction *action : {ui_->aboutAction, ui_->preferencesAction, ui_->saveRackAction}) {
         connect(action, &QAction::triggered, player_.get(), [this, action] { player_->menuActions(action); });
     }
+    connect(ui_->showWindowAction, &QAction::triggered, this, &MainWindow::showRequested);
+    connect(ui_->closeWindowAction, &QAction::triggered, this, &QWidget::close);
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
     qApp->installEventFilter(this);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
@@ -174,6 +177,16 @@ void MainWindow::showRunning(bool running)
 void MainWindow::showPlaceholder(bool busy)
 {
     ui_->myTableView->setPlaceholderText(busy ? tr("Asking the directory...") : tr("No stations."));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (closing_ && closing_() == Closing::Minimises) {
+        event->ignore();
+        showMinimized();
+    } else {
+        QMainWindow::closeEvent(event);
+    }
 }
 
 void MainWindow::paintEvent(QPaintEvent *event)

@@ -4,6 +4,7 @@
 #include "settings/statefile.h"
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 class AddRecordPopover;
@@ -23,17 +24,26 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
+    /// What closing the window does to it.
+    enum class Closing { Hides, Minimises };
+
     MainWindow(const DirectoryEndpoints &endpoints, Backend &backend);
     ~MainWindow() override;
 
     Player &player() { return *player_; }
 
+    /// `closing` is asked each time that the window is to close; without one the window hides.
+    void setClosing(std::function<Closing()> closing) { closing_ = std::move(closing); }
+
 Q_SIGNALS:
     /// The window has been painted for the first time.
     void firstFramePainted();
     void quitRequested();
+    /// The user wants this window before the others.
+    void showRequested();
 
 protected:
+    void closeEvent(QCloseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -55,5 +65,6 @@ private:
     std::unique_ptr<Player> player_;
     std::unique_ptr<TableCommands> tableCommands_;
     std::unique_ptr<RackCommands> rackCommands_;
+    std::function<Closing()> closing_;
     bool painted_ = false;
 };

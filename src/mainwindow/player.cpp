@@ -10,6 +10,7 @@
 #include "ui/rvtableview.h"
 #include "ui/spinner.h"
 #include "ui/stationpopover.h"
+#include "ui/wabout.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -25,6 +26,7 @@ Q_LOGGING_CATEGORY(lcStatus, "plumtide.status", QtWarningMsg)
 
 constexpr int playPauseTag = 200;
 constexpr int stopTag = 202;
+constexpr int aboutTag = 300;
 constexpr int preferencesTag = 301;
 constexpr int saveTag = 302;
 
@@ -82,6 +84,7 @@ void Player::awakeFromNib()
     outlets_.customRadioPopOver->setDelegate(this);
     outlets_.customRadioPopOver->setBehaviour(Popover::Behaviour::SemiTransient);
     preferences_ = std::make_unique<WPreferences>(settings_);
+    about_ = std::make_unique<WAbout>();
     directory_.getTop500();
 }
 
@@ -109,6 +112,9 @@ void Player::radioDataChanges(QLatin1StringView notification)
 void Player::menuActions(const QAction *sender)
 {
     switch (sender->property("tag").toInt()) {
+    case aboutTag:
+        about_->showWindow();
+        break;
     case preferencesTag:
         preferences_->showWindow();
         break;
