@@ -107,8 +107,6 @@ private Q_SLOTS:
     void refusals();
     void links();
     void strays();
-    void oneProgramAtATime();
-    void whatCannotBeLocked();
 
 private:
     bool save(const QString &name)
@@ -523,47 +521,6 @@ void TestFavourites::strays()
     }
     QVERIFY(!store_->reaDataFromStorageFolder(folderName, fileName));
     QCOMPARE(names(), others);
-}
-
-void TestFavourites::oneProgramAtATime()
-{
-    // The first one has read before there was a folder.
-    QVERIFY(QDir().rmdir(folder_));
-    QVERIFY(!store_->reaDataFromStorageFolder(folderName, fileName));
-    QVERIFY(FavouritesStore::createDirectoryOnMusicDirectory(folderName));
-    QVERIFY(store_->own(folderName, fileName));
-    QVERIFY(save(u"one"_s));
-    const QString stray = folder_ + u"/.plumtide.data.saving-aB3dEf"_s;
-    writeFile(stray, "");
-
-    FavouritesStore second;
-    QCOMPARE(second.reaDataFromStorageFolder(folderName, fileName)->size(), 1);
-    const auto secondSaves = [&] {
-        return second.saveDataToStorageFolder(folderName, fileName, {station(u"two"_s)});
-    };
-    QVERIFY(!secondSaves());
-    QCOMPARE(logged.size(), 1);
-    QCOMPARE(savedName(), u"one"_s);
-    QVERIFY(QFile::exists(stray));
-    QVERIFY(save(u"three"_s));
-
-    store_ = std::make_unique<FavouritesStore>();
-    QVERIFY(!QFile::exists(folder_ + u'/' + lockName_));
-    QVERIFY(!secondSaves());
-    QVERIFY(save(u"four"_s));
-    QCOMPARE(savedName(), u"four"_s);
-}
-
-void TestFavourites::whatCannotBeLocked()
-{
-    QVERIFY(QDir(folder_).mkdir(lockName_));
-    QVERIFY(save(u"one"_s));
-    QVERIFY(QDir(folder_).rmdir(lockName_));
-    const QString elsewhere = home_->filePath(u"elsewhere"_s);
-    QVERIFY(QFile::link(elsewhere, folder_ + u'/' + lockName_));
-    QVERIFY(save(u"two"_s));
-    QVERIFY(!QFile::exists(elsewhere));
-    QCOMPARE(savedName(), u"two"_s);
 }
 
 QTEST_GUILESS_MAIN(TestFavourites)
