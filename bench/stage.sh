@@ -33,6 +33,8 @@ start_stage() {
     trap end_stage EXIT
     export XDG_RUNTIME_DIR=$runtime PULSE_SERVER=unix:$runtime/pulse/native QT_QPA_PLATFORM=xcb
     unset PLUMTIDE_AUDIO_OUTPUT PLUMTIDE_DIRECTORY_KEY WAYLAND_DISPLAY
+    # A Plumtide that runs already would be shown in place of the one that is measured.
+    export DBUS_SESSION_BUS_ADDRESS=disabled:
 
     Xvfb -displayfd 3 -screen 0 1180x760x24 -nolisten tcp 3>$stage/display >$stage/xvfb.log 2>&1 &
     pulseaudio -n --exit-idle-time=-1 --daemonize=no --use-pid-file=no -L "module-null-sink sink_name=$sink" \

@@ -9,10 +9,14 @@ QString helpText()
     return QStringLiteral(
         "Usage: plumtide [options]\n"
         "Plays internet radio: browse the station directory, double-click a station, listen.\n"
+        "Started once more, it shows the window that is open already.\n"
         "\n"
         "Options:\n"
         "  -h, --help     show this text\n"
         "  -v, --version  show the version\n"
+        "  --play-pause   let the running program play or pause\n"
+        "  --stop         let it stop\n"
+        "  --quit         let it save the favourites and end\n"
         "\n"
         "Environment:\n"
         "  PLUMTIDE_DIRECTORY_URL  address of the directory service\n"
@@ -23,7 +27,8 @@ QString helpText()
 }
 } // namespace
 
-std::variant<CommandLine::Run, CommandLine::Answer> CommandLine::parse(const QStringList &arguments)
+std::variant<CommandLine::Run, RemoteCommand, CommandLine::Answer>
+CommandLine::parse(const QStringList &arguments)
 {
     for (const QString &argument : arguments.mid(1)) {
         if (argument == QLatin1StringView("-h") || argument == QLatin1StringView("--help")) {
@@ -33,6 +38,9 @@ std::variant<CommandLine::Run, CommandLine::Answer> CommandLine::parse(const QSt
             return Answer{QStringLiteral("plumtide %1\n").arg(QStringLiteral(PLUMTIDE_VERSION)), 0};
         }
         if (argument.startsWith(QLatin1StringView("--"))) {
+            if (const auto command = remoteCommand(QStringView(argument).sliced(2))) {
+                return *command;
+            }
             return Answer{QStringLiteral("plumtide: unknown option %1, see plumtide --help\n").arg(argument),
                           usageError};
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/remotecommand.h"
+
 #include <QString>
 #include <QStringList>
 #include <variant>
@@ -17,7 +19,8 @@ struct Run
 {
 };
 
-/// The window, or an answer (help, the version, or what is wrong). Arguments of the platform's ("-platform",
+/// The window, a command to the program that runs already, or an answer (help, the version, or what is
+/// wrong). Arguments of the platform's ("-platform",
 /// "-style" and others with one dash) are let through. Needs no application object.
-std::variant<Run, Answer> parse(const QStringList &arguments);
+std::variant<Run, RemoteCommand, Answer> parse(const QStringList &arguments);
 } // namespace CommandLine

@@ -4,6 +4,8 @@
 #include "app/environment.h"
 #include "app/log.h"
 #include "app/quitsignals.h"
+#include "app/shell.h"
+#include "app/singleinstance.h"
 #include "app/translations.h"
 #include "directory/exception.h"
 #include "mainwindow/mainwindow.h"
@@ -18,6 +20,9 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <thread>
 #include <variant>
 
@@ -25,6 +30,7 @@ namespace {
 Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
 
 constexpr int unusableEnvironment = 2;
+constexpr int nobodyListens = 1;
 /// How long the program may take to end once its window is gone.
 constexpr std::chrono::milliseconds endingTime{1000};
 
@@ -56,6 +62,9 @@ class Application : public QApplication
 public:
     using QApplication::QApplication;
 
+    /// Called before an end that has been asked for closes the windows, and after one that they have refused.
+    std::function<void(bool isEnding)> endingChanged;
+
     bool notify(QObject *receiver, QEvent *event) override
     {
         try {
@@ -65,10 +74,43 @@ public:
             return true;
         }
     }
+
+protected:
+    /// Every orderly end comes by this event, from the session manager as well.
+    bool event(QEvent *event) override
+    {
+        if (event->type() != QEvent::Quit || !endingChanged) {
+            return QApplication::event(event);
+        }
+        endingChanged(true);
+        const bool isTaken = QApplication::event(event);
+        endingChanged(event->isAccepted());
+        return isTaken;
+    }
 };
 
-/// Runs the window until the user quits; everything but the backend is gone afterwards.
-int runWindow(int argc, char **argv, const Environment &environment, MpvBackend &backend)
+/// What another start of the program is good for; nothing where this one is to run.
+std::optional<int> exitStatusOf(SingleInstance::Outcome outcome)
+{
+    switch (outcome) {
+    case SingleInstance::Outcome::Run:
+        return std::nullopt;
+    case SingleInstance::Outcome::Delivered:
+        return 0;
+    case SingleInstance::Outcome::Unanswered:
+        qCCritical(lcApp).noquote() << "Plumtide is running already, but does not answer";
+        break;
+    case SingleInstance::Outcome::Nobody:
+        qCCritical(lcApp).noquote() << "no running Plumtide is to be found on the session bus";
+        break;
+    }
+    return nobodyListens;
+}
+
+/// Runs the window until the user quits; everything but the backend is gone afterwards, and another start of
+/// the program is its own.
+int runWindow(int argc, char **argv, const Environment &environment, MpvBackend &backend,
+              std::unique_ptr<SingleInstance> instance)
 {
     Application application(argc, argv);
     // The toolkit has just taken over the user's locale; libmpv wants numbers with a point.
@@ -87,15 +129,18 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
         QObject::connect(&window, &MainWindow::firstFramePainted, &look, &DesktopLook::watchDesktop);
         QObject::connect(&window, &MainWindow::appearanceChosen, &look, &DesktopLook::setAppearance);
-        QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
+        Shell shell(window, *instance);
+        application.endingChanged = [&shell](bool isEnding) { shell.setEnding(isEnding); };
         openWindow = &window;
         std::atexit(saveAtExit);
         window.show();
         status = QApplication::exec();
         openWindow = nullptr;
+        application.endingChanged = {};
         window.hide();
         boundEnding(status);
     }
+    instance.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return status;
 }
@@ -107,7 +152,7 @@ int main(int argc, char *argv[])
     installLog();
     QCoreApplication::setApplicationName(QStringLiteral("plumtide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PLUMTIDE_VERSION));
-    QGuiApplication::setDesktopFileName(QStringLiteral("plumtide"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.ostrel.plumtide"));
 
     QStringList arguments;
     for (int index = 0; index < argc; ++index) {
@@ -125,9 +170,17 @@ int main(int argc, char *argv[])
         return unusableEnvironment;
     }
 
+    auto instance = std::make_unique<SingleInstance>();
+    const auto *command = std::get_if<RemoteCommand>(&wanted);
+    if (const auto exitStatus =
+            exitStatusOf(command != nullptr ? instance->tell(*command) : instance->begin())) {
+        return *exitStatus;
+    }
+
     MpvBackend backend(std::get<Environment>(environment).audioOutput,
                        std::get<Environment>(environment).pausedBufferBytes);
-    const int status = runWindow(argc, argv, std::get<Environment>(environment), backend);
+    const int status =
+        runWindow(argc, argv, std::get<Environment>(environment), backend, std::move(instance));
     // Exit handlers would pull the ground from under threads that are still at work.
     backend.waitForDetachedWork(2 * endingTime);
     return status;

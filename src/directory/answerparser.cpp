@@ -138,3 +138,9 @@ QByteArray AnswerParser::shared(const QByteArray &names)
     }
     return names;
 }
+
+QString AnswerParser::libraryVersion()
+{
+    const XML_Expat_Version version = XML_ExpatVersionInfo();
+    return QStringLiteral("%1.%2.%3").arg(version.major).arg(version.minor).arg(version.micro);
+}

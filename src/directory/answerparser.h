@@ -50,6 +50,9 @@ public:
     /// Ends the running parse; `reason` is for the log.
     void abort(const QString &reason);
 
+    /// The version of expat that is at work, as in "2.5.0".
+    static QString libraryVersion();
+
     /// Why parse() gave false.
     const QString &errorText() const { return errorText_; }
 

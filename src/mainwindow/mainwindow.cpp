@@ -21,6 +21,7 @@
 
 #include <QActionGroup>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QLoggingCategory>
@@ -207,9 +208,11 @@ void MainWindow::bindOwnStations()
 
 void MainWindow::bindMenus()
 {
-    for (QAction *action : {ui_->preferencesAction, ui_->saveRackAction}) {
+    for (QAction *action : {ui_->aboutAction, ui_->preferencesAction, ui_->saveRackAction}) {
         connect(action, &QAction::triggered, player_.get(), [this, action] { player_->menuActions(action); });
     }
+    connect(ui_->showWindowAction, &QAction::triggered, this, &MainWindow::showRequested);
+    connect(ui_->closeWindowAction, &QAction::triggered, this, &QWidget::close);
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
     connect(ui_->stopAction, &QAction::triggered, ui_->transportStopButton, &QToolButton::click);
@@ -313,6 +316,16 @@ void MainWindow::bindAppearance()
             state_.setValue(appearanceKey, static_cast<int>(choice));
             Q_EMIT appearanceChosen(choice);
         });
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (closing_ && closing_() == Closing::Minimises) {
+        event->ignore();
+        showMinimized();
+    } else {
+        QMainWindow::closeEvent(event);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "mainwindow/player.h"
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 class AddRecordPopover;
@@ -28,6 +29,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
+    /// What closing the window does to it.
+    enum class Closing { Hides, Minimises };
+
     /// `backend` and `state` must outlive the window.
     MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, StateFile &state);
     ~MainWindow() override;
@@ -36,6 +40,8 @@ public:
 
     /// The palette that the user has chosen.
     static Appearance appearance(const StateFile &state);
+    /// `closing` is asked each time that the window is to close; without one the window hides.
+    void setClosing(std::function<Closing()> closing) { closing_ = std::move(closing); }
 
 Q_SIGNALS:
     /// The window has been painted for the first time.
@@ -43,8 +49,11 @@ Q_SIGNALS:
     void quitRequested();
     /// The choice is kept already.
     void appearanceChosen(Appearance appearance);
+    /// The user wants this window before the others.
+    void showRequested();
 
 protected:
+    void closeEvent(QCloseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -78,5 +87,6 @@ private:
     std::unique_ptr<RackCommands> rackCommands_;
     /// Made when it is first shown.
     ShortcutsWindow *shortcutsWindow_ = nullptr;
+    std::function<Closing()> closing_;
     bool painted_ = false;
 };

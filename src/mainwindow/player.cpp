@@ -11,6 +11,7 @@
 #include "ui/rvtableview.h"
 #include "ui/spinner.h"
 #include "ui/stationpopover.h"
+#include "ui/wabout.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -26,6 +27,7 @@ Q_LOGGING_CATEGORY(lcStatus, "plumtide.status", QtWarningMsg)
 
 constexpr int playPauseTag = 200;
 constexpr int stopTag = 202;
+constexpr int aboutTag = 300;
 constexpr int preferencesTag = 301;
 constexpr int saveTag = 302;
 
@@ -88,9 +90,11 @@ void Player::awakeFromNib()
     if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
         FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
     }
+    favourites_.own(favouritesFolder, favouritesFile);
     outlets_.customRadioPopOver->setDelegate(this);
     outlets_.customRadioPopOver->setBehaviour(Popover::Behaviour::SemiTransient);
     preferences_ = std::make_unique<WPreferences>(settings_);
+    about_ = std::make_unique<WAbout>();
     directory_.getTop500();
 }
 
@@ -118,6 +122,9 @@ void Player::radioDataChanges(QLatin1StringView notification)
 void Player::menuActions(const QAction *sender)
 {
     switch (sender->property("tag").toInt()) {
+    case aboutTag:
+        about_->showWindow();
+        break;
     case preferencesTag:
         preferences_->showWindow();
         break;

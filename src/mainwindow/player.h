@@ -22,6 +22,7 @@ class AddRecordPopover;
 class Popover;
 class RoundedBox;
 class Spinner;
+class WAbout;
 class WPreferences;
 
 /// What the window's layout gives the hub to work with. The window owns them all.
@@ -55,6 +56,8 @@ class Player : public QObject, public GenreObjectDelegate, public VAddRecordDele
 public:
     Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
            QObject *parent = nullptr);
+    /// Lets go of everything owned. There is nothing to undo besides: no keyboard monitor is ever installed,
+    /// and the hub is to hear of the application's end for as long as it lives.
     ~Player() override;
 
     /// The notice that the application is about to end.
@@ -66,8 +69,8 @@ public:
     /// Saves the rack on the notice willTerminate, and says in the log whether that worked; does nothing on
     /// any other.
     void radioDataChanges(QLatin1StringView notification);
-    /// The action of the menu items, told apart by their "tag": 301 shows the preferences, 302 saves the
-    /// rack, without a word.
+    /// The action of the menu items, told apart by their "tag": 300 shows the About window, 301 the
+    /// preferences, 302 saves the rack, without a word.
     void menuActions(const QAction *sender);
 
     // The directory.
@@ -124,6 +127,7 @@ private:
     QString tuneInBaseAddress_;
     StoredSettings settings_;
     std::unique_ptr<WPreferences> preferences_;
+    std::unique_ptr<WAbout> about_;
     StationDirectory directory_;
     StationTable stationTable_;
     StreamPlayback playback_;

@@ -63,10 +63,37 @@ bool FavouritesStore::createDirectoryOnMusicDirectory(const QString &folder)
     return !path.isNull() && !QFileInfo::exists(path) && QDir().mkdir(path);
 }
 
+bool FavouritesStore::own(const QString &folder, const QString &filename)
+{
+    return own(pathOf(folder, filename));
+}
+
+bool FavouritesStore::own(const QString &path)
+{
+    if (path.isNull()) {
+        return true;
+    }
+    auto &lock = locks_[path];
+    if (lock && lock->state() != FileLock::State::Unavailable) {
+        return lock->state() == FileLock::State::Held;
+    }
+    lock = std::make_unique<const FileLock>(path);
+    if (lock->state() == FileLock::State::Taken) {
+        qCWarning(lcFavourites).noquote()
+            << "another program has the favourites in" << path << "- they are shown, and not saved here";
+        return false;
+    }
+    // What cannot be locked is not withheld from its user.
+    return true;
+}
+
 bool FavouritesStore::saveDataToStorageFolder(const QString &folder, const QString &filename,
                                               const StationRecords &dataArray)
 {
     const QString path = pathOf(folder, filename);
+    if (!own(path)) {
+        return false;
+    }
     try {
         save(path, dataArray);
         return true;
@@ -86,7 +113,9 @@ std::optional<StationRecords> FavouritesStore::reaDataFromStorageFolder(const QS
         return std::nullopt;
     }
     try {
-        FileReplacement::removeStrays(path);
+        if (own(path)) {
+            FileReplacement::removeStrays(path);
+        }
         const std::optional<QByteArray> file = readRegularFile(path, BinaryPlistForm::maximumSize);
         if (!file) {
             return std::nullopt;

@@ -106,23 +106,6 @@ QByteArray temporaryName(const QByteArray &target)
     return '.' + nameOf(target) + ".saving-";
 }
 
-/// What the links at `path` lead to, whether it is there or not.
-QByteArray followed(QByteArray path)
-{
-    constexpr int furthest = 40;
-    for (int hops = 0; hops < furthest; ++hops) {
-        std::array<char, PATH_MAX> link{};
-        const ssize_t size = ::readlink(path.constData(), link.data(), link.size());
-        if (size < 0) {
-            return path;
-        }
-        const QByteArray next(link.data(), size);
-        path = next.startsWith('/') ? next : folderOf(path) + next;
-    }
-    errno = ELOOP;
-    raiseError("cannot follow the link");
-}
-
 /// Nothing where nothing stands under `path`, links followed.
 std::optional<struct stat> statusOf(const QByteArray &path)
 {
@@ -179,7 +162,7 @@ std::optional<QByteArray> readRegularFile(const QString &path, qsizetype limit)
 }
 
 FileReplacement::FileReplacement(const QString &path)
-    : target_(followed(QFile::encodeName(path)))
+    : target_(behindLinks(path))
 {
     const std::optional<struct stat> status = statusOf(target_);
     if (!status) {
@@ -200,10 +183,27 @@ FileReplacement::~FileReplacement()
     const Descriptor closed(open_);
 }
 
+QByteArray FileReplacement::behindLinks(const QString &path)
+{
+    QByteArray target = QFile::encodeName(path);
+    constexpr int furthest = 40;
+    for (int hops = 0; hops < furthest; ++hops) {
+        std::array<char, PATH_MAX> link{};
+        const ssize_t size = ::readlink(target.constData(), link.data(), link.size());
+        if (size < 0) {
+            return target;
+        }
+        const QByteArray next(link.data(), size);
+        target = next.startsWith('/') ? next : folderOf(target) + next;
+    }
+    errno = ELOOP;
+    raiseError("cannot follow the link");
+}
+
 void FileReplacement::removeStrays(const QString &path)
 {
     constexpr qsizetype randomCharacters = 6;
-    const QByteArray target = followed(QFile::encodeName(path));
+    const QByteArray target = behindLinks(path);
     const QString beginning = QFile::decodeName(temporaryName(target));
     const QDir folder(QFile::decodeName(folderOf(target)));
     const QStringList names = folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);

@@ -24,6 +24,10 @@ public:
     /// Removes what write() has made and commit() has not put in place.
     ~FileReplacement();
 
+    /// The path of the file that is replaced, as the system takes it: what the links at `path` lead to,
+    /// whether it is there or not.
+    static QByteArray behindLinks(const QString &path);
+
     /// Removes what earlier replacements of the file at `path` had to leave when the program was killed; what
     /// another program is writing just now stays.
     static void removeStrays(const QString &path);

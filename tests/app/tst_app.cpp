@@ -81,6 +81,8 @@ void TestApp::commandLine_data()
     QTest::newRow("help") << u"--help"_s << 0;
     QTest::newRow("version") << u"-v"_s << 0;
     QTest::newRow("unknown") << u"--loud"_s << 2;
+    QTest::newRow("almost a command") << u"--stopp"_s << 2;
+    QTest::newRow("a command") << u"--stop"_s << -1;
     QTest::newRow("the platform's") << u"-platform"_s << -1;
 }
 
@@ -91,6 +93,7 @@ void TestApp::commandLine()
     const auto *answer = std::get_if<CommandLine::Answer>(&wanted);
     QTEST(answer != nullptr ? answer->exitStatus : -1, "exitStatus");
     QVERIFY(answer == nullptr || !answer->text.isEmpty());
+    QCOMPARE(std::holds_alternative<RemoteCommand>(wanted), argument == u"--stop"_s);
 }
 
 void TestApp::lookFollowsChoiceThenDesktop()

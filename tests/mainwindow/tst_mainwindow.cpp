@@ -10,11 +10,14 @@
 #include <QAccessible>
 #include <QAction>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTextDocumentFragment>
 #include <QToolButton>
+#include <algorithm>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -55,6 +58,8 @@ private Q_SLOTS:
     void cellsThatAreHeldFollowTheTable();
     void storedSettingsAreRead();
     void starLevels();
+    void closingTheWindow();
+    void about();
 };
 
 void TestMainWindow::startShowsTheTopStations()
@@ -377,6 +382,53 @@ void TestMainWindow::starLevels()
     QCOMPARE(levels, (QList<int>{1, 2, 3, 4, 5, 5, 5, 5}));
     QCOMPARE(StationTable::radioItemSortDescriptors(),
              (QList<SortDescriptor>{{u"star"_s, Qt::AscendingOrder}}));
+}
+
+void TestMainWindow::closingTheWindow()
+{
+    Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
+    auto answer = MainWindow::Closing::Minimises;
+    stage.window->setClosing([&] { return answer; });
+    stage.find<QAction>(u"closeWindowAction"_s)->trigger();
+    QVERIFY(stage.window->isVisible() && stage.window->isMinimized());
+    answer = MainWindow::Closing::Hides;
+    stage.doubleClick(stage.middleOf(0));
+    QTRY_VERIFY(stage.window->player().streamPlayback().myBackendPlayer());
+    stage.find<QAction>(u"closeWindowAction"_s)->trigger();
+    QVERIFY(!stage.window->isVisible());
+    QVERIFY(stage.window->player().streamPlayback().myBackendPlayer());
+    stage.window->show();
+    QCOMPARE(stage.title(), u"Station 10"_s);
+    QCOMPARE(stage.table()->model()->rowCount(), 4);
+}
+
+void TestMainWindow::about()
+{
+    Stage stage;
+    const auto window = [] {
+        const auto all = QApplication::topLevelWidgets();
+        const auto found = std::find_if(all.begin(), all.end(), [](const QWidget *widget) {
+            return widget->objectName() == u"aboutWindow"_s;
+        });
+        return found != all.end() ? *found : nullptr;
+    };
+    QVERIFY(window() == nullptr);
+    for (const auto close : {Qt::Key_Escape, Qt::Key_W}) {
+        stage.find<QAction>(u"aboutAction"_s)->trigger();
+        QVERIFY(window()->isVisible());
+        QTRY_VERIFY(window()->isActiveWindow());
+        QTest::keyClick(window(), close, close == Qt::Key_W ? Qt::ControlModifier : Qt::NoModifier);
+        QTRY_VERIFY(!window()->isVisible());
+    }
+    for (const QLabel *label : window()->findChildren<QLabel *>()) {
+        QVERIFY(label->pixmap().isNull() == !label->text().isEmpty());
+        QVERIFY(label->text().isEmpty() || label->textFormat() == Qt::PlainText);
+    }
+    window()->findChild<QAbstractButton *>(u"copyButton"_s)->click();
+    const QString copied = QGuiApplication::clipboard()->text();
+    QVERIFY(copied.contains(u"Qt "_s + QString::fromLatin1(qVersion())));
+    QVERIFY(copied.contains(u"Expat "_s));
 }
 
 QTEST_MAIN(TestMainWindow)

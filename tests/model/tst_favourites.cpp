@@ -115,12 +115,19 @@ private:
     }
     QString savedName()
     {
-        const auto stations = FavouritesStore().reaDataFromStorageFolder(folderName, fileName);
-        return stations && stations->size() == 1 ? stations->first()->text(RadioField::name) : QString();
+        // Opening a pipe would wait for a writer.
+        const auto list = KeyedUnarchiver::unarchiveObjectWithData(QFileInfo(file_).isFile() ? contents(file_)
+                                                                                             : QByteArray());
+        return list && list->stations.size() == 1 ? list->stations.first()->text(RadioField::name)
+                                                  : QString();
     }
+    /// What is in the folder, but for the lock.
     QStringList names() const
     {
-        return QDir(folder_).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        QStringList names =
+            QDir(folder_).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        names.removeOne(lockName_);
+        return names;
     }
 
     QTemporaryDir archives_;
@@ -128,6 +135,7 @@ private:
     std::unique_ptr<FavouritesStore> store_;
     QString folder_;
     QString file_;
+    const QString lockName_ = fileName + u".lock"_s;
 };
 
 void TestFavourites::initTestCase()

@@ -81,102 +81,102 @@
     <name>HistoryPopover</name>
     <message>
         <source>Recent titles</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzte Titel</translation>
     </message>
     <message>
         <source>Copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopieren</translation>
     </message>
     <message>
         <source>Copy the selected titles, or all of them</source>
-        <translation type="unfinished"></translation>
+        <translation>Die ausgewählten Titel kopieren, oder alle</translation>
     </message>
     <message>
         <source>Save as CSV...</source>
-        <translation type="unfinished"></translation>
+        <translation>Als CSV speichern …</translation>
     </message>
     <message>
         <source>Save all of them as a table for other programs</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle als Tabelle für andere Programme speichern</translation>
     </message>
     <message>
         <source>&amp;Copy</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Kopieren</translation>
     </message>
     <message>
         <source>Select &amp;All</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
         <source>Titles %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Titel %1</translation>
     </message>
     <message>
         <source>Titles appear here as they are heard.</source>
-        <translation type="unfinished"></translation>
+        <translation>Titel erscheinen hier, sobald sie zu hören sind.</translation>
     </message>
     <message>
         <source>Save Titles</source>
-        <translation type="unfinished"></translation>
+        <translation>Titel speichern</translation>
     </message>
     <message>
         <source>Tables (*.csv)</source>
-        <translation type="unfinished"></translation>
+        <translation>Tabellen (*.csv)</translation>
     </message>
     <message>
         <source>Saved.</source>
-        <translation type="unfinished"></translation>
+        <translation>Gespeichert.</translation>
     </message>
     <message>
         <source>Not saved: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht gespeichert: %1</translation>
     </message>
 </context>
 <context>
     <name>InfoView</name>
     <message>
         <source>Now playing</source>
-        <translation type="unfinished"></translation>
+        <translation>Es läuft</translation>
     </message>
     <message>
         <source>What plays now</source>
-        <translation type="unfinished"></translation>
+        <translation>Was gerade läuft</translation>
     </message>
     <message>
         <source>Format and bit rate of the sound</source>
-        <translation type="unfinished"></translation>
+        <translation>Format und Bitrate des Klangs</translation>
     </message>
     <message>
         <source>Sound in reserve</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorrat an Klang</translation>
     </message>
     <message>
         <source>Sound that waits to be played</source>
-        <translation type="unfinished"></translation>
+        <translation>Klang, der auf das Abspielen wartet</translation>
     </message>
     <message>
         <source>Sound that waits to be played: a break in the connection is not heard until it runs out</source>
-        <translation type="unfinished"></translation>
+        <translation>Klang, der auf das Abspielen wartet: eine Unterbrechung der Verbindung ist erst zu hören, wenn er verbraucht ist</translation>
     </message>
     <message>
         <source>Recent titles</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzte Titel</translation>
     </message>
     <message>
         <source>%1 %2 kbit/s</source>
-        <translation type="unfinished">%1 kbit/s {1 %2 ?}</translation>
+        <translation>%1 %2 kbit/s</translation>
     </message>
     <message>
         <source>%1 s</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 s</translation>
     </message>
     <message>
         <source>%1 min</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 min</translation>
     </message>
     <message>
         <source>%1 h</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 h</translation>
     </message>
 </context>
 <context>
@@ -411,7 +411,19 @@
     </message>
     <message>
         <source>Recent &amp;Titles...</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzte &amp;Titel …</translation>
+    </message>
+    <message>
+        <source>&amp;About Plumtide</source>
+        <translation>Ü&amp;ber Plumtide</translation>
+    </message>
+    <message>
+        <source>Show &amp;Main Window</source>
+        <translation>&amp;Hauptfenster zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Close Window</source>
+        <translation>Fenster &amp;schließen</translation>
     </message>
 </context>
 <context>
@@ -773,7 +785,7 @@
     <name>TitleHistory</name>
     <message>
         <source>Time</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeit</translation>
     </message>
     <message>
         <source>Title</source>
@@ -782,6 +794,33 @@
     <message>
         <source>Station</source>
         <translation>Sender</translation>
+    </message>
+</context>
+<context>
+    <name>TrayIcon</name>
+    <message>
+        <source>Plumtide</source>
+        <translation>Plumtide</translation>
+    </message>
+    <message>
+        <source>&amp;Show Plumtide</source>
+        <translation>Plumtide &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>S&amp;topp</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Pause</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Abspielen</translation>
     </message>
 </context>
 <context>
@@ -921,6 +960,49 @@
     <message>
         <source>User name and password are sent only if Private is on.</source>
         <translation>Benutzername und Passwort werden nur gesendet, wenn „Privat“ an ist.</translation>
+    </message>
+</context>
+<context>
+    <name>WAbout</name>
+    <message>
+        <source>About Plumtide</source>
+        <translation>Über Plumtide</translation>
+    </message>
+    <message>
+        <source>The icon of Plumtide</source>
+        <translation>Das Symbol von Plumtide</translation>
+    </message>
+    <message>
+        <source>A calm, quick internet-radio player.</source>
+        <translation>Ein ruhiger, schneller Internetradio-Player.</translation>
+    </message>
+    <message>
+        <source>It stands on these libraries:</source>
+        <translation>Es steht auf diesen Bibliotheken:</translation>
+    </message>
+    <message>
+        <source>Plumtide itself is free software under the MIT licence.</source>
+        <translation>Plumtide selbst ist freie Software unter der MIT-Lizenz.</translation>
+    </message>
+    <message>
+        <source>Copyright © 2026 The Plumtide developers</source>
+        <translation>Copyright © 2026 Die Entwickler von Plumtide</translation>
+    </message>
+    <message>
+        <source>C&amp;opy Versions</source>
+        <translation>Versionen &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>Copies what a report of a fault should say</source>
+        <translation>Kopiert, was in einer Fehlermeldung stehen sollte</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>Version %1</source>
+        <translation>Version %1</translation>
     </message>
 </context>
 <context>
