@@ -23,7 +23,7 @@ void BufferBar::paintEvent(QPaintEvent *)
     QPainterPath rounded;
     rounded.addRoundedRect(track, thickness / 2, thickness / 2);
 
-    QColor ink = palette().color(QPalette::Highlight);
+    QColor ink = palette().color(foregroundRole());
     const qreal filled = width() * static_cast<qreal>(value() - minimum()) / (maximum() - minimum());
     QRectF part = track;
     part.setWidth(filled);
