@@ -6,6 +6,7 @@
 #include "mainwindow/soundbinding.h"
 #include "mainwindow/tablecolumns.h"
 #include "mainwindow/tablecommands.h"
+#include "mainwindow/windowkeys.h"
 #include "mainwindow/windowmemory.h"
 #include "settings/statefile.h"
 #include "ui/addrecordpopover.h"
@@ -14,18 +15,13 @@
 #include "ui/genreobject.h"
 #include "ui/historypopover.h"
 #include "ui/look.h"
-#include "ui/shortcutswindow.h"
 #include "ui/stationpopover.h"
 #include "ui/svgicon.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>
-#include <QApplication>
 #include <QCloseEvent>
-#include <QContextMenuEvent>
-#include <QKeyEvent>
 #include <QLoggingCategory>
-#include <QShortcut>
 
 namespace {
 Q_LOGGING_CATEGORY(lcWindow, "plumtide.window")
@@ -76,7 +72,7 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, St
     bindSound(backend);
     bindInfo(backend);
     bindMenus();
-    bindKeys();
+    keys_ = std::make_unique<WindowKeys>(*this, *ui_);
     bindSearch();
     bindGenres();
     bindLists();
@@ -216,51 +212,8 @@ void MainWindow::bindMenus()
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
     connect(ui_->stopAction, &QAction::triggered, ui_->transportStopButton, &QToolButton::click);
-    connect(ui_->findAction, &QAction::triggered, this, [this] {
-        ui_->searchField->setFocus(Qt::ShortcutFocusReason);
-        ui_->searchField->selectAll();
-    });
     connect(ui_->topStationsAction, &QAction::triggered, &player_->stationDirectory(),
             &StationDirectory::getTop500);
-}
-
-void MainWindow::bindKeys()
-{
-    qApp->installEventFilter(this);
-    // A key that is held down is one command, but where steps are made.
-    for (QAction *action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly)) {
-        action->setAutoRepeat(action == ui_->louderAction || action == ui_->softerAction ||
-                              action == ui_->moveLeftAction || action == ui_->moveRightAction);
-    }
-    // Keyboards without a menu key have these; the toolkit knows the menu key only.
-    auto *menuKeys = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), this);
-    connect(menuKeys, &QShortcut::activated, this, [this] {
-        QWidget *focus = focusWidget() != nullptr ? focusWidget() : this;
-        const QPoint place = focus->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
-        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, place, focus->mapToGlobal(place));
-        QApplication::sendEvent(focus, &menuKey);
-    });
-    connect(ui_->shortcutsAction, &QAction::triggered, this, [this] {
-        if (shortcutsWindow_ == nullptr) {
-            shortcutsWindow_ = new ShortcutsWindow(*ui_->menuBar, this);
-        }
-        shortcutsWindow_->show();
-        shortcutsWindow_->raise();
-        shortcutsWindow_->activateWindow();
-    });
-}
-
-/// Esc takes back the search, then the way there; Down goes on to what was found.
-bool MainWindow::pressInSearch(int key)
-{
-    if (key == Qt::Key_Escape && !ui_->searchField->text().isEmpty()) {
-        ui_->searchField->clear();
-    } else if (key == Qt::Key_Escape || key == Qt::Key_Down) {
-        ui_->myTableView->setFocus(Qt::OtherFocusReason);
-    } else {
-        return false;
-    }
-    return true;
 }
 
 /// The button's picture and name say what it would do next; its text is the hub's.
@@ -345,18 +298,4 @@ void MainWindow::hideEvent(QHideEvent *event)
         memory_->keepGeometry(*this);
     }
     QMainWindow::hideEvent(event);
-}
-
-/// The space bar presses a button that has the focus, as everywhere; elsewhere it plays and pauses.
-bool MainWindow::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == QEvent::ShortcutOverride && qobject_cast<QAbstractButton *>(watched) != nullptr &&
-        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space) {
-        event->accept();
-        return true;
-    }
-    if (event->type() == QEvent::KeyPress && watched == ui_->searchField) {
-        return pressInSearch(static_cast<QKeyEvent *>(event)->key());
-    }
-    return QMainWindow::eventFilter(watched, event);
 }

@@ -10,11 +10,11 @@ class AddRecordPopover;
 class AudioPopover;
 class InfoBinding;
 class RackCommands;
-class ShortcutsWindow;
 class SoundBinding;
 class StateFile;
 class TableColumns;
 class TableCommands;
+class WindowKeys;
 class WindowMemory;
 enum class Appearance;
 
@@ -56,7 +56,6 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void layOut();
@@ -69,8 +68,6 @@ private:
     void bindOwnStations();
     void bindMenus();
     void bindAppearance();
-    void bindKeys();
-    bool pressInSearch(int key);
     void showRunning(bool running);
     void showPlaceholder(const QString &text);
     QString reasonForNoStations() const;
@@ -78,6 +75,7 @@ private:
     std::unique_ptr<Ui::MainWindow> ui_;
     StateFile &state_;
     std::unique_ptr<WindowMemory> memory_;
+    std::unique_ptr<WindowKeys> keys_;
     AudioPopover *audioPopOver_;
     std::unique_ptr<SoundBinding> soundBinding_;
     std::unique_ptr<InfoBinding> infoBinding_;
@@ -85,8 +83,6 @@ private:
     std::unique_ptr<TableColumns> tableColumns_;
     std::unique_ptr<TableCommands> tableCommands_;
     std::unique_ptr<RackCommands> rackCommands_;
-    /// Made when it is first shown.
-    ShortcutsWindow *shortcutsWindow_ = nullptr;
     std::function<Closing()> closing_;
     bool painted_ = false;
 };

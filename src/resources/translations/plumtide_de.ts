@@ -238,10 +238,6 @@
         <translation>&amp;Plumtide</translation>
     </message>
     <message>
-        <source>&amp;Appearance</source>
-        <translation>&amp;Aussehen</translation>
-    </message>
-    <message>
         <source>Play&amp;back</source>
         <translation>&amp;Wiedergabe</translation>
     </message>
@@ -424,6 +420,10 @@
     <message>
         <source>&amp;Close Window</source>
         <translation>Fenster &amp;schließen</translation>
+    </message>
+    <message>
+        <source>A&amp;ppearance</source>
+        <translation>&amp;Aussehen</translation>
     </message>
 </context>
 <context>
