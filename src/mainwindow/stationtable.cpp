@@ -224,10 +224,10 @@ QVariant StationTable::data(const QModelIndex &index, int role) const
     if (role == Qt::TextAlignmentRole) {
         return alignmentOf(column);
     }
-    if (role == Qt::AccessibleTextRole) {
-        return spokenText(index.row(), column.identifier);
-    }
     const bool isStatus = column.identifier == QLatin1StringView("id_status");
+    if (isStatus && role == Qt::AccessibleTextRole) {
+        return tr("on air");
+    }
     const bool wanted =
         isStatus ? role == Qt::DecorationRole : role == Qt::DisplayRole || role == Qt::ToolTipRole;
     if (!wanted) {
@@ -245,7 +245,7 @@ QVariant StationTable::headerData(int section, Qt::Orientation orientation, int 
 {
     if (orientation == Qt::Vertical && role == Qt::AccessibleTextRole && section >= 0 &&
         section < rowCount()) {
-        return spokenText(section, columnAt(stationColumn).identifier);
+        return data(index(section, stationColumn), Qt::DisplayRole);
     }
     if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
         return {};
@@ -271,23 +271,6 @@ void StationTable::sort(int column, Qt::SortOrder order)
     tableViewSortDescriptorsDidChange(nullptr, sortable
                                                    ? QList<SortDescriptor>{{columnAt(column).sortKey, order}}
                                                    : QList<SortDescriptor>());
-}
-
-/// What a screen reader says, where that is more than what is shown: numbers with their unit, a picture's
-/// meaning.
-QVariant StationTable::spokenText(int row, QLatin1StringView identifier) const
-{
-    if (identifier == QLatin1StringView("id_status")) {
-        return tr("on air");
-    }
-    const QString shown = displayedText(tableViewObjectValueForTableColumn(nullptr, identifier, row));
-    if (!shown.isEmpty() && identifier == QLatin1StringView("id_bitrate")) {
-        return tr("%1 kbit/s").arg(shown);
-    }
-    if (!shown.isEmpty() && identifier == QLatin1StringView("id_listener")) {
-        return tr("%1 listeners").arg(shown);
-    }
-    return shown;
 }
 
 QString StationTable::displayedText(const QVariant &value) const

@@ -65,7 +65,6 @@ Q_SIGNALS:
 
 private:
     StationDirectory::RowComparison rowComparison(const SortDescriptor &descriptor) const;
-    QVariant spokenText(int row, QLatin1StringView identifier) const;
     QString displayedText(const QVariant &value) const;
 
     const RVTableView *myTableView_;

@@ -15,12 +15,14 @@ DEADLINE = 30
 
 # What is to be found, as (role, name), by where it is.
 WINDOW = [
-    ("push button", "Play"), ("push button", "Stop"), ("label", "idle"), ("push button", "Sound"), ("push button", "Add station"), ("text", "Search stations"), ("push button", "Search"),
+    ("push button", "Play"), ("push button", "Stop"), ("label", "idle"), ("push button", "Recent titles"),
+    ("push button", "Sound"), ("push button", "Add station"), ("text", "Search stations"), ("push button", "Search"),
+    ("text", "Filter genres"), ("list", "Genres"), ("list item", "Trending 500"), ("list item", "Random Stations"),
     ("table", "Stations"), ("list", "Favourites"),
 ]
 MENUS = {
-    "Plumtide": ["Preferences...", "Quit"],
-    "Playback": ["Play or Pause", "Stop", "Louder", "Softer", "Mute", "Sound..."],
+    "Plumtide": ["About Plumtide", "Preferences...", "Appearance", "Show Main Window", "Close Window", "Quit"],
+    "Playback": ["Play or Pause", "Stop", "Louder", "Softer", "Mute", "Sound...", "Recent Titles..."],
     "Stations": ["Find...", "Top Stations", "Sort By", "Add to Favourites", "Copy Name", "Copy Address"],
     "Favourites": ["Add Station...", "Add Blank Station", "Play Favourite", "Details...", "Move Left", "Move Right",
                    "Copy Name", "Copy Address", "Remove", "Undo Removal", "Save Favourites"],
@@ -40,6 +42,9 @@ PREFERENCES = [
     ("radio button", "500 stations"), ("panel", "Identify to private stations as"), ("radio button", "Plumtide"),
     ("push button", "Cancel"), ("push button", "Save"),
 ]
+ABOUT = [("label", "Plumtide"), ("push button", "Copy Versions"), ("push button", "Close")]
+TITLES = [("table", "Recent titles"), ("push button", "Copy"), ("push button", "Save as CSV...")]
+GERMAN = ["Plumtide", "Wiedergabe", "Sender", "Favoriten", "Hilfe"]
 COLUMNS = ["Status", "Station", "Genre", "kbit/s", "Type", "Listeners", "Current track"]
 
 INTERACTIVE = {"push button", "toggle button", "check box", "radio button", "menu item", "check menu item", "menu", "text",
@@ -128,20 +133,21 @@ def unnamed(root):
     return [thing for thing in walk(root) if thing.get_role_name() in INTERACTIVE and not thing.get_name()]
 
 
-class Accessibility(unittest.TestCase):
+class Session(unittest.TestCase):
+    """The program before a radio of its own."""
+    LANGUAGE = "C.UTF-8"
+
     @classmethod
     def setUpClass(cls):
         cls.radio = subprocess.Popen([LOCALRADIO, "--port", "0", "--key", "a-key"], stdout=subprocess.PIPE, text=True)
         cls.addClassCleanup(cls.end, cls.radio)
-        address = cls.radio.stdout.readline().split()[-1].rstrip("/")
+        cls.address = cls.radio.stdout.readline().split()[-1].rstrip("/")
         cls.program = subprocess.Popen([PROGRAM], env={
-            **os.environ, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_QPA_PLATFORM": "xcb",
+            **os.environ, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_QPA_PLATFORM": "xcb", "LC_ALL": cls.LANGUAGE,
             "PLUMTIDE_AUDIO_OUTPUT": "null", "ASAN_OPTIONS": "detect_leaks=0",
-            "PLUMTIDE_DIRECTORY_URL": address + "/", "PLUMTIDE_DIRECTORY_KEY": "a-key",
-            "PLUMTIDE_TUNEIN_URL": address})
+            "PLUMTIDE_DIRECTORY_URL": cls.address + "/", "PLUMTIDE_DIRECTORY_KEY": "a-key",
+            "PLUMTIDE_TUNEIN_URL": cls.address})
         cls.addClassCleanup(cls.end, cls.program)
-        with urllib.request.urlopen(address + "/legacy/Top500/?k=a-key") as answer:
-            cls.stations = ElementTree.parse(answer).getroot().findall("station")
         desktop = Atspi.get_desktop(0)
         cls.application = eventually("the program is not on the bus", lambda: next(
             (one for one in children(desktop) if one.get_name() == "plumtide"), None))
@@ -156,6 +162,14 @@ class Accessibility(unittest.TestCase):
         process.wait(DEADLINE)
         if process.stdout:
             process.stdout.close()
+
+
+class Accessibility(Session):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        with urllib.request.urlopen(cls.address + "/legacy/Top500/?k=a-key") as answer:
+            cls.stations = ElementTree.parse(answer).getroot().findall("station")
 
     def find(self, role, name):
         return find(self.window, role, name)
@@ -191,12 +205,18 @@ class Accessibility(unittest.TestCase):
             self.menu("Stations", "Sort By", column)
 
     def test_cards_and_windows(self):
-        for button, card, things in (("Sound", "Sound", SOUND), ("Add station", "Add Station", ADD_STATION)):
+        for button, card, things in (("Sound", "Sound", SOUND), ("Add station", "Add Station", ADD_STATION),
+                                     ("Recent titles", "Recent titles", TITLES)):
             act(self.find("push button", button), "Press")
             root = self.find("dialog", card)
             self.expect(root, things)
             act(self.find("push button", button), "Press")
             self.wait_until_gone(root)
+        act(self.menu("Plumtide", "About Plumtide"), "Press")
+        about = self.window_named("About Plumtide")
+        self.expect(about, ABOUT)
+        act(find(about, "push button", "Close"), "Press")
+        self.wait_until_gone(about)
         act(self.menu("Plumtide", "Preferences..."), "Press")
         preferences = self.window_named("Preferences")
         self.expect(preferences, PREFERENCES)
@@ -212,6 +232,13 @@ class Accessibility(unittest.TestCase):
         press("Keyboard Shortcuts", "Escape")
         self.wait_until_gone(shortcuts)
 
+    def test_genres(self):
+        table = self.find("table", "Stations").get_table_iface()
+        for genre, is_there in (("70s", lambda rows: 0 < rows < len(self.stations)),
+                                ("Trending 500", lambda rows: rows == len(self.stations))):
+            act(find(self.find("list", "Genres"), "list item", genre), "Press")
+            eventually(lambda: f"{table.get_n_rows()} stations", lambda: is_there(table.get_n_rows()))
+
     def cells(self, row):
         table = self.find("table", "Stations").get_table_iface()
         return [table.get_accessible_at(row, column).get_name() for column in range(table.get_n_columns())]
@@ -225,13 +252,13 @@ class Accessibility(unittest.TestCase):
             station = self.stations[row].attrib
             self.assertEqual(table.get_row_description(row), station["name"])
             self.assertEqual(self.cells(row), [
-                "on air", station["name"], station["genre"], f"{int(station['br']):,} kbit/s",
-                types.get(station["mt"], station["mt"]), f"{int(station['lc']):,} listeners", station.get("ct", "")])
+                "on air", station["name"], station["genre"], station["br"],
+                types.get(station["mt"], station["mt"]), f"{int(station['lc']):,}", station.get("ct", "")])
         listeners = [int(station.get("lc")) for station in self.stations]
         for command, first in ((table.get_column_header(5), min), (self.menu("Stations", "Sort By", "Listeners"), max)):
             act(command, "Press")
             eventually(lambda: f"not sorted: {self.cells(0)}",
-                       lambda: self.cells(0)[5] == f"{first(listeners):,} listeners")
+                       lambda: self.cells(0)[5] == f"{first(listeners):,}")
 
     def expect_streaming(self, name):
         self.find("label", name)
@@ -274,6 +301,16 @@ class Accessibility(unittest.TestCase):
         self.stop()
         act(self.menu("Favourites", "Remove"), "Press")
         eventually("the favourite is still there", lambda: not children(self.find("list", "Favourites")))
+
+
+class German(Session):
+    LANGUAGE = "de_DE.UTF-8"
+
+    def test_speaks_german_but_for_the_status(self):
+        menus = children(find(self.window, "menu bar", ""))
+        self.assertEqual([menu.get_name() for menu in menus], GERMAN)
+        find(self.window, "label", "idle")
+        self.assertEqual(unnamed(self.window), [], outline(self.window))
 
 
 if __name__ == "__main__":

@@ -335,7 +335,7 @@ void TestMainWindow::cellsThatAreHeldFollowTheTable()
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     QAccessibleInterface *table = QAccessible::queryAccessibleInterface(stage.table());
     QAccessibleInterface *cell = table->tableInterface()->cellAt(1, 3);
-    QCOMPARE(cell->text(QAccessible::Name), u"64 kbit/s"_s);
+    QCOMPARE(cell->text(QAccessible::Name), u"64"_s);
     QCOMPARE(table->child(table->indexOfChild(cell)), cell);
     const QRect place = cell->rect();
     QCOMPARE(table->childAt(place.center().x(), place.center().y()), cell);

@@ -761,14 +761,6 @@
         <source>on air</source>
         <translation>auf Sendung</translation>
     </message>
-    <message>
-        <source>%1 kbit/s</source>
-        <translation>%1 kbit/s</translation>
-    </message>
-    <message>
-        <source>%1 listeners</source>
-        <translation>%1 Hörer</translation>
-    </message>
 </context>
 <context>
     <name>TableAccessibility</name>
