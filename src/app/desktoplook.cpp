@@ -65,9 +65,8 @@ void DesktopLook::dress()
     applyLook(application_, dark ? Palette::Dark : Palette::Light);
 }
 
-void DesktopLook::watchDesktop()
+void DesktopLook::watchDesktop(QDBusConnection bus)
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;
     }

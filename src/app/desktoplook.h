@@ -5,6 +5,7 @@
 #include <QObject>
 
 class QApplication;
+class QDBusConnection;
 class QDBusVariant;
 class StateFile;
 
@@ -25,9 +26,9 @@ public:
 
     /// Takes the user's choice and dresses the program anew.
     void setAppearance(Appearance appearance);
-    /// Asks the desktop, without waiting for it, and listens for changes. Where there is no session bus or no
-    /// portal, the desktop's palette goes on to decide.
-    void watchDesktop();
+    /// Asks the desktop on its session bus, without waiting for it, and listens for changes. Where the bus is
+    /// not connected or has no portal, the desktop's palette goes on to decide.
+    void watchDesktop(QDBusConnection bus);
 
     /// Whether the window is to be dark. `scheme` that is none of ColorScheme counts as no preference.
     static bool isDark(Appearance appearance, int scheme, bool desktopPaletteIsDark);

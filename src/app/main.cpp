@@ -127,7 +127,8 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
         MainWindow window(environment.endpoints, backend, state);
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
-        QObject::connect(&window, &MainWindow::firstFramePainted, &look, &DesktopLook::watchDesktop);
+        QObject::connect(&window, &MainWindow::firstFramePainted, &look,
+                         [&look, &instance] { look.watchDesktop(instance->connection()); });
         QObject::connect(&window, &MainWindow::appearanceChosen, &look, &DesktopLook::setAppearance);
         Shell shell(window, *instance);
         application.endingChanged = [&shell](bool isEnding) { shell.setEnding(isEnding); };
