@@ -1,8 +1,13 @@
+#include "app/desktoplook.h"
 #include "app/sessionbus.h"
 #include "app/shell.h"
+#include "settings/statefile.h"
 
+#include <QApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
+#include <QDBusVariant>
+#include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -31,6 +36,26 @@ Q_SIGNALS:
     void StatusNotifierHostUnregistered();
 };
 
+/// A desktop's answer to whether its user wants light or dark.
+class FakePortal : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public Q_SLOTS:
+    QDBusVariant Read(const QString &group, const QString &key)
+    {
+        asked = group + u' ' + key;
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(DesktopLook::PreferDark)));
+    }
+
+Q_SIGNALS:
+    void SettingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+
+public:
+    QString asked;
+};
+
 /// A program that somebody else has started.
 QDBusConnection otherConnection()
 {
@@ -54,6 +79,7 @@ private Q_SLOTS:
     void busesThatDoNotAnswer();
     void reachedOverTheBus();
     void trayHosts();
+    void lookFollowsTheDesktop();
     void delegateShowsTheWindow();
 
 private:
@@ -240,6 +266,44 @@ void TestShell::trayHosts()
     QTRY_VERIFY(host.has(TrayHost::Kind::StatusNotifier));
     other.unregisterService(name);
     QTRY_VERIFY(!host.has(TrayHost::Kind::StatusNotifier));
+}
+
+void TestShell::lookFollowsTheDesktop()
+{
+    const QString group = u"org.freedesktop.appearance"_s;
+    const auto isDark = [] { return ::isDark(QApplication::palette()); };
+    FakePortal portal;
+    QDBusConnection other = otherConnection();
+    QVERIFY(other.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
+                                 QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+    QVERIFY(other.registerService(u"org.freedesktop.portal.Desktop"_s));
+    QFile::remove(StateFile::path());
+    {
+        StateFile state;
+        DesktopLook look(*qApp, state);
+        QVERIFY(!isDark());
+        look.watchDesktop(QDBusConnection(u"nowhere"_s));
+        QVERIFY(portal.asked.isEmpty());
+        look.watchDesktop(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"looking"_s));
+        QTRY_VERIFY(isDark());
+        QCOMPARE(portal.asked, group + u" color-scheme"_s);
+
+        look.setAppearance(Appearance::Light);
+        QVERIFY(!isDark());
+        look.setAppearance(Appearance::Desktop);
+        QVERIFY(isDark());
+    }
+    // The next start knows at once.
+    StateFile state;
+    DesktopLook look(*qApp, state);
+    QVERIFY(isDark());
+    look.watchDesktop(QDBusConnection(u"looking"_s));
+    // Once more each time, because the bus may not know yet who listens.
+    const auto tell = [&portal, &group](const QString &key) {
+        Q_EMIT portal.SettingChanged(group, key, QDBusVariant(DesktopLook::PreferLight));
+        return true;
+    };
+    QTRY_VERIFY(tell(u"color-scheme"_s) && !isDark());
 }
 
 void TestShell::delegateShowsTheWindow()
