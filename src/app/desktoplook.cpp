@@ -68,6 +68,7 @@ void DesktopLook::dress()
 void DesktopLook::watchDesktop(QDBusConnection bus)
 {
     if (!bus.isConnected()) {
+        take(NoPreference);
         return;
     }
     // By name, because the toolkit has no other way of it; from any sender, because it loses the signals of
@@ -80,9 +81,8 @@ void DesktopLook::watchDesktop(QDBusConnection bus)
     auto *reply = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
         const QDBusPendingReply<QDBusVariant> answer = *reply;
-        if (!answer.isError()) {
-            take(answer.value().variant());
-        }
+        // What another desktop has told before is not this one's word.
+        take(answer.isError() ? NoPreference : answer.value().variant());
         reply->deleteLater();
     });
 }

@@ -23,14 +23,18 @@ const QString connectionName = QStringLiteral("plumtide");
 const QString ourName = QStringLiteral("com.ostrel.plumtide");
 const QString ourPath = QStringLiteral("/com/ostrel/plumtide");
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
+/// What buses of different makes say of a name that nobody has.
+const QStringList noOwnerErrors{QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner"),
+                                QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown")};
 const QString busName = QStringLiteral("org.freedesktop.DBus");
-const QString noOwnerError = QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
 const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
 QDBusConnection connectToBus()
 {
     const QByteArray address = SessionBus::address();
     if (address.isEmpty()) {
+        // The libraries under us would start one.
+        SessionBus::forgo();
         return QDBusConnection(connectionName);
     }
     if (!SessionBus::answers(address, busPatience)) {
@@ -118,7 +122,8 @@ SingleInstance::Outcome SingleInstance::deliver(const QString &method, const QVa
     }
     // NoReply is the bus's word as well for one who leaves without an answer; but then it comes at once.
     const QString error = reply.errorName();
-    const bool isGone = error == noOwnerError || error == QDBusError::errorString(QDBusError::Disconnected) ||
+    const bool isGone = noOwnerErrors.contains(error) ||
+                        error == QDBusError::errorString(QDBusError::Disconnected) ||
                         (error == QDBusError::errorString(QDBusError::NoReply) && !deadline.hasExpired());
     return isGone ? Outcome::Nobody : Outcome::Unanswered;
 }

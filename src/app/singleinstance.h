@@ -30,7 +30,7 @@ public:
         Nobody
     };
 
-    /// Connects to the bus; waits for at most a second.
+    /// Connects to the bus; waits for at most half a second for one that says nothing.
     SingleInstance();
     /// Leaves the bus; whoever has asked something of us meanwhile learns that we are gone.
     ~SingleInstance() override;

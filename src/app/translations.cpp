@@ -6,18 +6,37 @@
 #include <QTranslator>
 #include <memory>
 
+namespace {
+bool install(QCoreApplication &application, const QString &name, const QString &language,
+             const QString &folder)
+{
+    auto translator = std::make_unique<QTranslator>(&application);
+    return translator->load(name + u'_' + language, folder) &&
+           QCoreApplication::installTranslator(translator.release());
+}
+} // namespace
+
+QString translationFor(const QStringList &languages, const QStringList &shipped)
+{
+    for (const QString &wanted : languages) {
+        // With the country, the script, or neither: "de-AT", "zh-Hant-TW".
+        const QString language = wanted.section(u'-', 0, 0);
+        if (language == QLatin1StringView("en") || language == QLatin1StringView("C")) {
+            return {};
+        }
+        if (shipped.contains(language)) {
+            return language;
+        }
+    }
+    return {};
+}
+
 void installTranslations(QCoreApplication &application)
 {
-    const auto install = [&application](const QString &name, const QString &folder) {
-        auto translator = std::make_unique<QTranslator>(&application);
-        if (translator->load(QLocale::system(), name, QStringLiteral("_"), folder)) {
-            QCoreApplication::installTranslator(translator.release());
-            return true;
-        }
-        return false;
-    };
-    // A dialog of the toolkit in another language than the window around it would be worse than English.
-    if (install(QStringLiteral("plumtide"), QStringLiteral(":/translations"))) {
-        install(QStringLiteral("qtbase"), QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    const QString language = translationFor(QLocale::system().uiLanguages(), {QStringLiteral("de")});
+    if (!language.isEmpty()) {
+        install(application, QStringLiteral("plumtide"), language, QStringLiteral(":/translations"));
+        install(application, QStringLiteral("qtbase"), language,
+                QLibraryInfo::path(QLibraryInfo::TranslationsPath));
     }
 }

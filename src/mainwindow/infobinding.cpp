@@ -19,7 +19,7 @@ InfoBinding::InfoBinding(InfoView &view, const HeardStream &heard)
 {
     settling_.setSingleShot(true);
     settling_.setInterval(settlingTime);
-    connect(&settling_, &QTimer::timeout, this, &InfoBinding::enterTitle);
+    connect(&settling_, &QTimer::timeout, this, [this] { history_.add(current_); });
     showing_.setSingleShot(true);
     connect(&showing_, &QTimer::timeout, this, &InfoBinding::show);
     connect(&heard_, &HeardStream::changed, this, &InfoBinding::heardChanged);
@@ -32,7 +32,7 @@ void InfoBinding::setStation(const QString &name)
 
 void InfoBinding::heardChanged(const StreamInfo &info)
 {
-    if (const QString title = displayText(info.title).trimmed(); title != title_) {
+    if (const QString title = displayText(info.title).trimmed(); title != current_.title) {
         titleChanged(title);
     }
     // What has ended is not left standing.
@@ -47,17 +47,13 @@ void InfoBinding::titleChanged(const QString &title)
 {
     settling_.stop();
     if (title.isEmpty()) {
-        enterTitle();
+        history_.add(current_);
+        current_ = {};
     } else {
-        since_ = QDateTime::currentDateTime();
+        // With the station as of now: when the sound ends, the next one may have its name here already.
+        current_ = {QDateTime::currentDateTime(), station_, title};
         settling_.start();
     }
-    title_ = title;
-}
-
-void InfoBinding::enterTitle()
-{
-    history_.add({since_, station_, title_});
 }
 
 void InfoBinding::show()
@@ -65,6 +61,6 @@ void InfoBinding::show()
     showing_.stop();
     calm_.setRemainingTime(calmTime);
     StreamInfo shown = heard_.info();
-    shown.title = title_;
+    shown.title = current_.title;
     view_.setInfo(shown);
 }

@@ -2,7 +2,6 @@
 
 #include "model/titlehistory.h"
 
-#include <QDateTime>
 #include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
@@ -30,16 +29,14 @@ public:
 private:
     void heardChanged(const StreamInfo &info);
     void titleChanged(const QString &title);
-    void enterTitle();
     void show();
 
     InfoView &view_;
     const HeardStream &heard_;
     TitleHistory history_;
     QString station_;
-    /// As it is shown, and since when.
-    QString title_;
-    QDateTime since_;
+    /// What is shown; without a title where there is none.
+    HeardTitle current_;
     /// Runs until the title has stood long enough for the history.
     QTimer settling_;
     /// The area stays as it is until then; what comes meanwhile waits for the timer.

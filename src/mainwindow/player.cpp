@@ -116,6 +116,8 @@ void Player::radioDataChanges(QLatin1StringView notification)
         // Not among what is logged: that is not even computed where the category is silent.
         const bool saved = saveRack();
         qCInfo(lcPlayer, "com.ostrel.plumtide.save_data_success %i", saved ? 1 : 0);
+        // What is left of the end may take its time, and the program be started again meanwhile.
+        favourites_.disown();
     }
 }
 

@@ -41,6 +41,7 @@ void WindowKeys::showShortcuts()
     if (shortcutsWindow_ == nullptr) {
         shortcutsWindow_ = new ShortcutsWindow(*ui_.menuBar, &window_);
     }
+    shortcutsWindow_->setWindowState(shortcutsWindow_->windowState() & ~Qt::WindowMinimized);
     shortcutsWindow_->show();
     shortcutsWindow_->raise();
     shortcutsWindow_->activateWindow();

@@ -31,6 +31,9 @@ void WindowMemory::restoreGeometry(QWidget &window) const
             number = std::clamp(number, -farthestPlace, farthestPlace);
         }
         const QRect place(kept[0], kept[1], kept[2], kept[3]);
+        if (place.width() <= 0 || place.height() <= 0) {
+            return;
+        }
         const QScreen *screen = QGuiApplication::screenAt(place.center());
         const QScreen *room = screen != nullptr ? screen : QGuiApplication::primaryScreen();
         window.resize(place.size().boundedTo(room->availableSize()));

@@ -68,6 +68,13 @@ bool FavouritesStore::own(const QString &folder, const QString &filename)
     return own(pathOf(folder, filename));
 }
 
+void FavouritesStore::disown()
+{
+    std::erase_if(locks_, [](const auto &entry) {
+        return entry.second && entry.second->state() == FileLock::State::Held;
+    });
+}
+
 bool FavouritesStore::own(const QString &path)
 {
     if (path.isNull()) {

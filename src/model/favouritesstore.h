@@ -40,6 +40,9 @@ public:
     /// folder that has been made after the reading.
     bool own(const QString &folder, const QString &filename);
 
+    /// Lets the next program own what this one owns: there is nothing more to be saved.
+    void disown();
+
     /// Writes the archive of `dataArray` to the file at once, readable by its owner only: the file holds the
     /// old list or the new one at any time. The previous one stays beside it, with "~" behind its name. False
     /// where it fails, and where another program owns the file; the file is then as it was. No folder is

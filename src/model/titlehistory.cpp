@@ -1,16 +1,16 @@
 #include "model/titlehistory.h"
 
 #include <QLocale>
-#include <QStringView>
+#include <QRegularExpression>
 
 namespace {
 QString csvText(QString text)
 {
-    // What makes a spreadsheet take a cell for a formula, which could send what stands in the others away.
-    constexpr QStringView formulaStarts = u"=+-@\t\r";
-    if (!text.isEmpty() && formulaStarts.contains(text.front())) {
-        text.prepend(QLatin1Char('\''));
-    }
+    // A spreadsheet takes such a cell for a formula, which could send what stands in the others away. Where
+    // semicolons separate cells, one may begin in the middle of a text.
+    static const QRegularExpression formulaStart(
+        QStringLiteral("(^|;)(\\s*)([=+\\-@\\t\\r\\x{ff1d}\\x{ff0b}\\x{ff0d}\\x{ff20}])"));
+    text.replace(formulaStart, QStringLiteral("\\1'\\2\\3"));
     return QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1StringView("\"\"")) + QLatin1Char('"');
 }
 

@@ -44,5 +44,5 @@ private:
 };
 
 /// The titles as CSV after RFC 4180, in UTF-8, below a line of headings: Time (ISO 8601 with its offset from
-/// UTC), Station, Title. A text that a spreadsheet would take for a formula is led by an apostrophe.
+/// UTC), Station, Title. What a spreadsheet would take for a formula is led by an apostrophe.
 QByteArray titlesAsCsv(const QList<HeardTitle> &titles);

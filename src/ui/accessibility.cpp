@@ -1,5 +1,6 @@
 #include "ui/accessibility.h"
 
+#include "ui/genreaccessibility.h"
 #include "ui/popover.h"
 #include "ui/rackaccessibility.h"
 #include "ui/rvimageview.h"
@@ -54,6 +55,7 @@ QAccessibleInterface *makeWidgetInterface(const QString &, QObject *object)
 void installAccessibility()
 {
     QAccessible::installFactory(&makeWidgetInterface);
+    installGenreAccessibility();
     installRackAccessibility();
     installTableAccessibility();
 }

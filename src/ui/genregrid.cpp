@@ -1,7 +1,6 @@
 #include "ui/genregrid.h"
 
 #include "ui/foldedname.h"
-#include "ui/genreaccessibility.h"
 
 #include <QAccessible>
 #include <QLineEdit>
@@ -19,7 +18,6 @@ constexpr int hintedRows = 8;
 GenreGrid::GenreGrid(QWidget *parent)
     : QAbstractScrollArea(parent)
 {
-    installGenreAccessibility();
     setFrameShape(NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -50,6 +48,7 @@ void GenreGrid::setFilterField(QLineEdit *field)
     filterField_ = field;
     field->installEventFilter(this);
     connect(field, &QLineEdit::textChanged, this, &GenreGrid::applyFilter);
+    connect(field, &QObject::destroyed, this, [this] { filterField_ = nullptr; });
     applyFilter();
 }
 
@@ -130,6 +129,8 @@ void GenreGrid::focusInEvent(QFocusEvent *event)
         setCurrentIndex(shown_.first());
     }
     showCurrent();
+    // The toolkit announces the grid after this; the tile has to come last.
+    QMetaObject::invokeMethod(this, &GenreGrid::announceCurrent, Qt::QueuedConnection);
 }
 
 void GenreGrid::focusOutEvent(QFocusEvent *event)
@@ -261,8 +262,14 @@ void GenreGrid::setCurrentIndex(qsizetype index)
     current_ = index;
     scrollToCurrent();
     showCurrent();
-    if (hasFocus()) {
-        QAccessibleEvent focused(madeItemAtIndex(index), QAccessible::Focus);
+    announceCurrent();
+}
+
+/// Whoever has the screen read to him hears of the tile that the keys are at, not of the grid.
+void GenreGrid::announceCurrent()
+{
+    if (QAccessible::isActive() && hasFocus() && current_ >= 0) {
+        QAccessibleEvent focused(madeItemAtIndex(current_), QAccessible::Focus);
         QAccessible::updateAccessibility(&focused);
     }
 }

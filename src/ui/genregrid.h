@@ -5,7 +5,6 @@
 #include "ui/tilegrid.h"
 
 #include <QAbstractScrollArea>
-#include <QPointer>
 #include <vector>
 
 class QLineEdit;
@@ -66,6 +65,7 @@ private:
     void showSelection();
     void showCurrent();
     void scrollToCurrent();
+    void announceCurrent();
 
     // genregridinput.cpp: what the user does
     bool filterKeyPressed(const QKeyEvent &event);
@@ -76,7 +76,8 @@ private:
 
     GenreList *list_ = nullptr;
     GenreBox::Delegate *delegate_ = nullptr;
-    QPointer<QLineEdit> filterField_;
+    /// Null where there is none, or none any more.
+    QLineEdit *filterField_ = nullptr;
     QList<qsizetype> shown_;
     TileGrid grid_;
     /// One for each genre, null as long as it has not been seen.

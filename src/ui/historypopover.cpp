@@ -9,14 +9,11 @@
 #include <QDate>
 #include <QDir>
 #include <QFileDialog>
-#include <QFuture>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QLoggingCategory>
-#include <QPromise>
 #include <QSaveFile>
 #include <QStandardPaths>
-#include <QThreadPool>
 #include <QToolTip>
 #include <algorithm>
 
@@ -138,16 +135,17 @@ void HistoryPopover::askWhereToSave()
 
 void HistoryPopover::save(const QString &path)
 {
-    auto promise = std::make_shared<QPromise<QString>>();
-    promise->start();
-    promise->future().then(this, [this, path](const QString &error) {
-        if (!error.isEmpty()) {
-            qCWarning(lcHistory).noquote() << "cannot save titles:" << error;
-        }
-        ui_->saveMessage->setText(error.isEmpty() ? tr("Saved.") : tr("Not saved: %1").arg(error));
+    writer_.start([this, path, content = titlesAsCsv(history_.titles())] {
+        const QString error = writeFile(path, content);
+        QMetaObject::invokeMethod(
+            this, [this, error] { showSaved(error); }, Qt::QueuedConnection);
     });
-    QThreadPool::globalInstance()->start([promise, path, content = titlesAsCsv(history_.titles())] {
-        promise->addResult(writeFile(path, content));
-        promise->finish();
-    });
+}
+
+void HistoryPopover::showSaved(const QString &error)
+{
+    if (!error.isEmpty()) {
+        qCWarning(lcHistory).noquote() << "cannot save titles:" << error;
+    }
+    ui_->saveMessage->setText(error.isEmpty() ? tr("Saved.") : tr("Not saved: %1").arg(error));
 }

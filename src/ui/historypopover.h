@@ -2,6 +2,7 @@
 
 #include "ui/popover.h"
 
+#include <QThreadPool>
 #include <memory>
 
 class TitleHistory;
@@ -31,7 +32,11 @@ private:
     void askWhereToSave();
     /// Writes all titles, on a thread of its own, and says how that went.
     void save(const QString &path);
+    /// `error` is empty where all went well.
+    void showSaved(const QString &error);
 
     std::unique_ptr<Ui::HistoryPopover> ui_;
     TitleHistory &history_;
+    /// Waits for the last write, when it goes.
+    QThreadPool writer_;
 };

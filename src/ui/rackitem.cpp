@@ -81,12 +81,6 @@ QString RackItem::nameOf(const RadioModel &station)
     return name.isEmpty() ? tr("Unnamed station") : name;
 }
 
-int RackItem::starsOf(const RadioModel &station)
-{
-    const double stars = station.stars().toDouble();
-    return stars > 0 ? static_cast<int>(std::min<double>(stars, StarLevel::mostStars)) : 0;
-}
-
 void RackItem::setStation(const StationRecord &station, const ValueTransformers &transformers)
 {
     if (station != station_.lock()) {

@@ -37,8 +37,6 @@ public:
 
     /// The name that a station is shown by; never empty.
     static QString nameOf(const RadioModel &station);
-    /// How many stars it has, 0 to 5, of whatever type an archive holds.
-    static int starsOf(const RadioModel &station);
 
     /// Null where there is none, or where it is gone: the tile does not keep it.
     StationRecord station() const { return station_.lock(); }

@@ -86,7 +86,7 @@ QString RackStationAccessible::description(const RadioModel &station)
         parts.append(spoken(QT_TRANSLATE_NOOP("RackAccessibility", "%1 kbit/s")).arg(bitrate));
     }
     parts.append(spoken(QT_TRANSLATE_NOOP("RackAccessibility", "%1 of %2 stars"))
-                     .arg(RackItem::starsOf(station))
+                     .arg(StarLevel::starsOf(station.stars()))
                      .arg(StarLevel::mostStars));
     return parts.join(QStringLiteral(", "));
 }

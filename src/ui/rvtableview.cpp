@@ -6,6 +6,7 @@
 #include <QDrag>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -262,6 +263,11 @@ void RVTableView::dragLeaveEvent(QDragLeaveEvent *) {}
 void RVTableView::dropEvent(QDropEvent *event)
 {
     event->ignore();
+}
+
+bool RVTableView::hasAction() const
+{
+    return isSignalConnected(QMetaMethod::fromSignal(&RVTableView::doubleAction));
 }
 
 void RVTableView::act(int row)

@@ -43,6 +43,8 @@ public:
     /// The row of the latest action; -1 where it hit none.
     int clickedRow() const { return clickedRow_; }
 
+    /// Whether anybody has something done by a double click.
+    bool hasAction() const;
     /// As a double click on that row does.
     void act(int row);
     /// As a click on the column's header does: a second time turns the order round.

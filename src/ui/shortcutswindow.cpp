@@ -16,7 +16,6 @@ constexpr int windowHeight = 600;
 constexpr int edge = 16;
 constexpr int lineHeight = 28;
 constexpr int headingHeight = 48;
-constexpr float selectedLineTint = 0.18F;
 
 /// What no menu has.
 constexpr std::array<std::pair<const char *, const char *>, 10> otherKeys{{
@@ -43,10 +42,10 @@ constexpr std::array<std::pair<const char *, const char *>, 10> otherKeys{{
 /// A menu's text as it is read: without the mark of its letter, and without the dots.
 QString plainText(QString text)
 {
-    text.remove(QStringLiteral("..."));
+    text.remove(QStringLiteral("...")).remove(QChar(0x2026));
     text.replace(QStringLiteral("&&"), QString(QChar::Null));
     text.remove(u'&');
-    return text.replace(QChar::Null, u'&');
+    return text.replace(QChar::Null, u'&').trimmed();
 }
 
 QString keysOf(const QAction &action)
@@ -81,14 +80,6 @@ ShortcutsWindow::ShortcutsWindow(const QMenuBar &menuBar, QWidget *parent)
     table_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     table_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     table_->verticalHeader()->hide();
-    QPalette quiet = palette();
-    quiet.setColor(QPalette::Window, quiet.color(QPalette::Base));
-    setPalette(quiet);
-    QColor tint = quiet.color(QPalette::Highlight);
-    tint.setAlphaF(selectedLineTint);
-    quiet.setColor(QPalette::Highlight, tint);
-    quiet.setColor(QPalette::HighlightedText, quiet.color(QPalette::Text));
-    table_->setPalette(quiet);
     table_->verticalHeader()->setMinimumSectionSize(lineHeight);
     auto *content = new QVBoxLayout(this);
     content->setContentsMargins(edge, edge / 2, edge / 2, edge);
@@ -149,7 +140,6 @@ void ShortcutsWindow::addHeading(const QString &title)
     auto *heading = new QTableWidgetItem(title);
     // The keys pass it by.
     heading->setFlags(Qt::NoItemFlags);
-    heading->setForeground(palette().color(QPalette::Text));
     QFont font = table_->font();
     font.setWeight(QFont::DemiBold);
     heading->setFont(font);

@@ -272,7 +272,7 @@ QRect CellAccessible::inViewport() const
 
 bool CellAccessible::isSortable() const
 {
-    return row_ == headerPlace && isValid() &&
+    return row_ == headerPlace && isValid() && table_.view()->isSortingEnabled() &&
            !textOf(*table_.model(), row_, column_, Qt::DisplayRole).isEmpty();
 }
 
@@ -328,7 +328,8 @@ QList<QAccessibleInterface *> CellAccessible::rowHeaderCells() const
 QStringList CellAccessible::actionNames() const
 {
     if (isCell()) {
-        return {pressAction(), toggleAction(), setFocusAction()};
+        const QStringList always{toggleAction(), setFocusAction()};
+        return table_.view()->hasAction() ? QStringList(pressAction()) + always : always;
     }
     return isSortable() ? QStringList(pressAction()) : QStringList();
 }

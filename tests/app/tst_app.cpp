@@ -1,6 +1,7 @@
 #include "app/commandline.h"
 #include "app/desktoplook.h"
 #include "app/environment.h"
+#include "app/translations.h"
 
 #include <QTest>
 
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void environmentDefaults();
     void commandLine_data();
     void commandLine();
+    void languageIsTheFirstThatShips();
     void lookFollowsChoiceThenDesktop();
 };
 
@@ -94,6 +96,20 @@ void TestApp::commandLine()
     QTEST(answer != nullptr ? answer->exitStatus : -1, "exitStatus");
     QVERIFY(answer == nullptr || !answer->text.isEmpty());
     QCOMPARE(std::holds_alternative<RemoteCommand>(wanted), argument == u"--stop"_s);
+}
+
+void TestApp::languageIsTheFirstThatShips()
+{
+    const QStringList shipped{u"de"_s, u"sv"_s};
+    const QList<std::pair<QStringList, QString>> cases{{{u"de-AT"_s, u"de"_s}, u"de"_s},
+                                                       {{u"fr-FR"_s, u"sv-SE"_s}, u"sv"_s},
+                                                       {{u"en-GB"_s, u"de"_s}, u""_s},
+                                                       {{u"C"_s}, u""_s},
+                                                       {{u"dev"_s}, u""_s},
+                                                       {{}, u""_s}};
+    for (const auto &[languages, shown] : cases) {
+        QCOMPARE(translationFor(languages, shipped), shown);
+    }
 }
 
 void TestApp::lookFollowsChoiceThenDesktop()

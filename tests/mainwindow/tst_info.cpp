@@ -198,15 +198,15 @@ void TestInfo::titlesEnterTheHistory()
     // One that nothing follows is entered at once when the sound ends, and under the station that it was
     // heard on.
     stage.play(u"first\nstation"_s);
-    for (int number = 0; number < 500; ++number) {
+    for (int number = 0; number < 20; ++number) {
         stage.hear(u"flood %1"_s.arg(number));
     }
     QCOMPARE(stage.text("nowPlayingLabel"), u"flood 0"_s);
-    QTRY_COMPARE(stage.text("nowPlayingLabel"), u"flood 499"_s);
-    QCOMPARE(stage.titles(), QStringList());
-    stage.hearNothing();
+    // The next station's name is there before the sound of this one ends.
     stage.play(u"second"_s);
-    QCOMPARE(stage.titles(), QStringList{u"flood 499"_s});
+    stage.hearNothing();
+    QCOMPARE(stage.text("nowPlayingLabel"), QString());
+    QCOMPARE(stage.titles(), QStringList{u"flood 19"_s});
     QCOMPARE(stage.column(2), QStringList{u"first station"_s});
 
     // Another is entered once it has stood for a while, and not again when it ends or comes back.

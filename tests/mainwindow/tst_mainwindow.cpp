@@ -406,6 +406,7 @@ void TestMainWindow::closingTheWindow()
 void TestMainWindow::about()
 {
     Stage stage;
+    QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     const auto window = [] {
         const auto all = QApplication::topLevelWidgets();
         const auto found = std::find_if(all.begin(), all.end(), [](const QWidget *widget) {

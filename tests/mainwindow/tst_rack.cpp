@@ -516,6 +516,7 @@ void TestRack::rackIsSavedOnTheNoticeAlone()
         stage.trigger(u"saveRackAction"_s);
     }
     WindowStage next(answerOf(1, {}));
+    QTRY_COMPARE(next.table()->model()->rowCount(), 1);
     QCOMPARE(next.window->player().favouritesRack().radioItemCollectionArray().size(), 4);
     QVERIFY(QDir(QFileInfo(file).path()).removeRecursively());
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u".*plumtide.data.*"_s));

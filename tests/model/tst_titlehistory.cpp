@@ -67,6 +67,10 @@ void TestTitleHistory::csvFollowsItsRules_data()
         const QByteArray formula = start + QByteArray("1+cmd|' /C calc'!A0");
         QTest::addRow("formula after %x", start) << QString::fromLatin1(formula) << "\"'" + formula + '"';
     }
+    QTest::newRow("after blanks, in full width") << u" \uFF1D1"_s
+                                                 << "\"' \xEF\xBC\x9D"
+                                                    "1\""_ba;
+    QTest::newRow("after a semicolon") << u"a;=1;b; +2;-"_s << "\"a;'=1;b;' +2;'-\""_ba;
     QTest::newRow("hides a formula") << u"\"=1"_s << QByteArray("\"\"\"=1\"");
 }
 

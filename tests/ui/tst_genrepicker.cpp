@@ -1,6 +1,7 @@
 #include "directory/exception.h"
 #include "model/keyedcoder.h"
 #include "support/clickseries.h"
+#include "ui/genreaccessibility.h"
 #include "ui/genregrid.h"
 #include "ui/genreobject.h"
 #include "ui/look.h"
@@ -71,7 +72,11 @@ class TestGenrePicker : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { applyLook(*qApp); }
+    void initTestCase()
+    {
+        applyLook(*qApp);
+        installGenreAccessibility();
+    }
     void codingIsLopsided();
     void elementsBecomeGenres_data();
     void elementsBecomeGenres();

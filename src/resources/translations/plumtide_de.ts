@@ -319,15 +319,15 @@
     </message>
     <message>
         <source>Copy A&amp;ddress</source>
-        <translation>A&amp;dresse kopieren</translation>
+        <translation>Adresse k&amp;opieren</translation>
     </message>
     <message>
         <source>&amp;Play Favourite</source>
-        <translation>Favoriten ab&amp;spielen</translation>
+        <translation>&amp;Favoriten abspielen</translation>
     </message>
     <message>
         <source>&amp;Details...</source>
-        <translation>D&amp;etails …</translation>
+        <translation>&amp;Details …</translation>
     </message>
     <message>
         <source>Move &amp;Left</source>
@@ -339,7 +339,7 @@
     </message>
     <message>
         <source>Copy &amp;Address</source>
-        <translation>A&amp;dresse kopieren</translation>
+        <translation>Adresse k&amp;opieren</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
@@ -395,7 +395,7 @@
     </message>
     <message>
         <source>S&amp;ort By</source>
-        <translation>S&amp;ortieren nach</translation>
+        <translation>Sortieren na&amp;ch</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -407,11 +407,11 @@
     </message>
     <message>
         <source>Recent &amp;Titles...</source>
-        <translation>Letzte &amp;Titel …</translation>
+        <translation>Letzte T&amp;itel …</translation>
     </message>
     <message>
         <source>&amp;About Plumtide</source>
-        <translation>Ü&amp;ber Plumtide</translation>
+        <translation>&amp;Über Plumtide</translation>
     </message>
     <message>
         <source>Show &amp;Main Window</source>
@@ -970,7 +970,7 @@
     </message>
     <message>
         <source>It stands on these libraries:</source>
-        <translation>Es steht auf diesen Bibliotheken:</translation>
+        <translation>Es baut auf diesen Bibliotheken auf:</translation>
     </message>
     <message>
         <source>Plumtide itself is free software under the MIT licence.</source>
