@@ -11,8 +11,8 @@
 namespace {
 constexpr qreal smallScale = 0.95;
 constexpr int spacing = 8;
-constexpr int buttonSize = 40;
-constexpr int iconSize = 24;
+constexpr int historyButtonSize = 40;
+constexpr int historyIconSize = 24;
 /// With less room than that the format is worth more than the bar.
 constexpr int narrowestWithBar = 240;
 constexpr int narrowestToolbar = 800;
@@ -44,8 +44,8 @@ InfoView::InfoView(QWidget *toolbar)
 {
     setAccessibleName(tr("Now playing"));
     historyButton_->setObjectName(QStringLiteral("historyButton"));
-    historyButton_->setFixedSize(buttonSize, buttonSize);
-    historyButton_->setIconSize({iconSize, iconSize});
+    historyButton_->setFixedSize(historyButtonSize, historyButtonSize);
+    historyButton_->setIconSize({historyIconSize, historyIconSize});
     historyButton_->setFocusPolicy(Qt::TabFocus);
     historyButton_->setToolTip(tr("Recent titles"));
     historyButton_->setAccessibleName(tr("Recent titles"));
