@@ -61,7 +61,7 @@ InfoView::~InfoView() = default;
 void InfoView::makeTexts()
 {
     auto *texts = new QWidget(this);
-    ui_ = std::make_unique<Ui::InfoTexts>();
+    ui_ = std::make_unique<Ui::InfoView>();
     ui_->setupUi(texts);
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * smallScale);

@@ -9,7 +9,7 @@ class QHBoxLayout;
 class QToolButton;
 
 namespace Ui {
-class InfoTexts;
+class InfoView;
 }
 
 /// The information area of the tool bar: what plays now, in which format, and how much sound waits to be
@@ -45,7 +45,7 @@ private:
 
     QHBoxLayout *layout_;
     QToolButton *historyButton_;
-    std::unique_ptr<Ui::InfoTexts> ui_;
+    std::unique_ptr<Ui::InfoView> ui_;
     bool playing_ = false;
     bool pressed_ = false;
 };
