@@ -2,12 +2,17 @@
 
 #include "ui_infoview.h"
 
+#include <QHBoxLayout>
 #include <QMouseEvent>
+#include <QToolButton>
 #include <algorithm>
 #include <utility>
 
 namespace {
 constexpr qreal smallScale = 0.95;
+constexpr int spacing = 8;
+constexpr int historyButtonSize = 40;
+constexpr int historyIconSize = 24;
 /// With less room than that the format is worth more than the bar.
 constexpr int narrowestWithBar = 240;
 constexpr int narrowestToolbar = 800;
@@ -34,31 +39,50 @@ QString durationText(int seconds)
 
 InfoView::InfoView(QWidget *toolbar)
     : QWidget(toolbar)
-    , ui_(std::make_unique<Ui::InfoView>())
+    , layout_(new QHBoxLayout(this))
+    , historyButton_(new QToolButton(this))
 {
-    ui_->setupUi(this);
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * smallScale);
-    ui_->formatLabel->setFont(small);
-    ui_->bufferLabel->setFont(small);
-    // One of fixed size lays nothing out anew when its text changes.
-    ui_->bufferLabel->setFixedSize(QFontMetrics(small).horizontalAdvance(tr("%1 min").arg(88)),
-                                   QFontMetrics(small).height());
-    connect(ui_->historyButton, &QToolButton::clicked, this, &InfoView::clicked);
-    setInfo({});
+    setAccessibleName(tr("Now playing"));
+    historyButton_->setObjectName(QStringLiteral("historyButton"));
+    historyButton_->setFixedSize(historyButtonSize, historyButtonSize);
+    historyButton_->setIconSize({historyIconSize, historyIconSize});
+    historyButton_->setFocusPolicy(Qt::TabFocus);
+    historyButton_->setToolTip(tr("Recent titles"));
+    historyButton_->setAccessibleName(tr("Recent titles"));
+    connect(historyButton_, &QToolButton::clicked, this, &InfoView::clicked);
+    layout_->setContentsMargins(0, 0, 0, 0);
+    layout_->setSpacing(spacing);
+    layout_->addWidget(historyButton_, 0, Qt::AlignRight);
     toolbar->installEventFilter(this);
 }
 
 InfoView::~InfoView() = default;
 
-QToolButton *InfoView::historyButton() const
+void InfoView::makeTexts()
 {
-    return ui_->historyButton;
+    auto *texts = new QWidget(this);
+    ui_ = std::make_unique<Ui::InfoView>();
+    ui_->setupUi(texts);
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * smallScale);
+    ui_->formatLabel->setFont(small);
+    ui_->bufferLabel->setFont(small);
+    // One of fixed size lays nothing out anew when its text changes.
+    const QFontMetrics metrics(small);
+    ui_->bufferLabel->setFixedSize(metrics.horizontalAdvance(tr("%1 min").arg(longestCount)),
+                                   metrics.height());
+    layout_->insertWidget(0, texts, 1);
 }
 
 void InfoView::setInfo(const StreamInfo &info)
 {
     playing_ = !info.isEmpty();
+    if (!ui_) {
+        if (!playing_) {
+            return;
+        }
+        makeTexts();
+    }
     ui_->nowPlayingLabel->setText(info.title);
     ui_->formatLabel->setText(formatText(info));
     ui_->bufferLabel->setText(playing_ ? durationText(info.buffered) : QString());
@@ -69,6 +93,9 @@ void InfoView::setInfo(const StreamInfo &info)
 /// Its place is kept while nothing plays.
 void InfoView::showBar()
 {
+    if (!ui_) {
+        return;
+    }
     const bool hasRoom = width() >= narrowestWithBar;
     QSizePolicy policy = ui_->bufferBar->sizePolicy();
     policy.setRetainSizeWhenHidden(hasRoom);

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <memory>
 
+class QHBoxLayout;
 class QToolButton;
 
 namespace Ui {
@@ -13,7 +14,8 @@ class InfoView;
 
 /// The information area of the tool bar: what plays now, in which format, and how much sound waits to be
 /// played. What it shows never moves anything, neither around it nor in it. Where it is narrow it leaves out
-/// the bar, and where the tool bar is, it goes, so that the others have room.
+/// the bar, and where the tool bar is, it goes, so that the others have room. What shows the texts is made
+/// when there are some.
 class InfoView : public QWidget
 {
     Q_OBJECT
@@ -25,7 +27,7 @@ public:
     /// Its title must be fit to be shown. An empty one leaves the area empty.
     void setInfo(const StreamInfo &info);
 
-    QToolButton *historyButton() const;
+    QToolButton *historyButton() const { return historyButton_; }
 
 Q_SIGNALS:
     /// By the button or anywhere else in the area.
@@ -38,8 +40,11 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void makeTexts();
     void showBar();
 
+    QHBoxLayout *layout_;
+    QToolButton *historyButton_;
     std::unique_ptr<Ui::InfoView> ui_;
     bool playing_ = false;
     bool pressed_ = false;

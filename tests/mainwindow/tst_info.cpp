@@ -40,7 +40,16 @@ struct Stage
     {
         return window.findChild<T *>(QLatin1StringView(name));
     }
-    QString text(const char *label) { return find<QLabel>(label)->text(); }
+    QString text(const char *name)
+    {
+        const auto *label = find<QLabel>(name);
+        return label != nullptr ? label->text() : QString();
+    }
+    bool showsBar()
+    {
+        const QWidget *bar = find("bufferBar");
+        return bar != nullptr && bar->isVisible();
+    }
     RVTableView &table() { return *find<RVTableView>("titlesTable"); }
     HistoryPopover &popover() { return *find<HistoryPopover>("historyPopOver"); }
     QStringList titles() { return column(1); }
@@ -137,8 +146,7 @@ void TestInfo::areaShowsWhatIsHeard()
     };
     const auto places = [&stage] {
         QList<QRect> rectangles;
-        for (const char *name :
-             {"playerStatusString", "infoView", "nowPlayingLabel", "bufferLabel", "historyButton"}) {
+        for (const char *name : {"playerStatusString", "infoView", "historyButton"}) {
             rectangles.append(stage.find(name)->geometry());
         }
         return rectangles;
@@ -146,7 +154,7 @@ void TestInfo::areaShowsWhatIsHeard()
     const QStringList empty{QString(), QString(), QString()};
     const QList<QRect> before = places();
     QCOMPARE(shown(), empty);
-    QVERIFY(!stage.find("bufferBar")->isVisible());
+    QVERIFY(!stage.showsBar());
 
     // The second of two changes in a row waits a little.
     QFETCH(StreamInfo, info);
@@ -156,7 +164,7 @@ void TestInfo::areaShowsWhatIsHeard()
     QFETCH(QStringList, texts);
     QTRY_COMPARE(shown(), texts);
     QTEST(stage.find<QProgressBar>("bufferBar")->value(), "bar");
-    QVERIFY(stage.find("bufferBar")->isVisible());
+    QVERIFY(stage.showsBar());
     QCOMPARE(places(), before);
     const QAccessibleInterface *bar = QAccessible::queryAccessibleInterface(stage.find("bufferBar"));
     QCOMPARE(bar->role(), QAccessible::ProgressBar);
@@ -164,7 +172,7 @@ void TestInfo::areaShowsWhatIsHeard()
 
     stage.hearNothing();
     QCOMPARE(shown(), empty);
-    QVERIFY(!stage.find("bufferBar")->isVisible());
+    QVERIFY(!stage.showsBar());
     QCOMPARE(places(), before);
 }
 
@@ -183,7 +191,7 @@ void TestInfo::narrowAreaGivesWay()
         stage.window.resize(window, 560);
         QTRY_COMPARE(stage.find("myToolbarBox")->width(), window - 32);
         QTRY_COMPARE(stage.find("infoView")->isVisible(), area);
-        QCOMPARE(stage.find("bufferBar")->isVisible(), bar);
+        QTRY_COMPARE(stage.showsBar(), bar);
         QVERIFY(!area || stage.find("infoView")->width() <= stage.find("playerStatusString")->width());
         QTRY_VERIFY(stage.find("playerStatusString")->width() >= 120);
         stage.find<QAction>("recentTitlesAction")->trigger();
@@ -226,7 +234,7 @@ void TestInfo::popoverOpensAndCloses()
     QVERIFY(stage.active);
     const std::pair<const char *, std::function<void()>> ways[] = {
         {"button", [&] { QTest::mouseClick(stage.find("historyButton"), Qt::LeftButton); }},
-        {"area", [&] { QTest::mouseClick(stage.find("nowPlayingLabel"), Qt::LeftButton); }},
+        {"area", [&] { QTest::mouseClick(stage.find("infoView"), Qt::LeftButton); }},
         {"keys", [&] { QTest::keyClick(&stage.window, Qt::Key_H, Qt::ControlModifier); }},
     };
     for (const auto &[name, toggle] : ways) {

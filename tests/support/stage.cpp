@@ -42,9 +42,10 @@ RVTableView *Stage::table()
     return window.findChild<RVTableView *>(u"myTableView"_s);
 }
 
-QString Stage::text(const QString &label)
+QString Stage::text(const QString &name)
 {
-    return window.findChild<QLabel *>(label)->text();
+    const auto *label = window.findChild<QLabel *>(name);
+    return label != nullptr ? label->text() : QString();
 }
 
 void Stage::click(const QString &button)

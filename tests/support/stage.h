@@ -31,8 +31,8 @@ public:
                    const AudioOutput &output = *AudioOutput::fromText(QStringLiteral("null")));
 
     RVTableView *table();
-    /// Of the label of that name.
-    QString text(const QString &label);
+    /// Of the label of that name; empty where it is not there yet.
+    QString text(const QString &name);
     void click(const QString &button);
     /// Forgets the status texts so far and plays the station in that row, once there is one.
     void doubleClick(int row);
