@@ -134,11 +134,13 @@ void RVTableView::initViewItemOption(QStyleOptionViewItem *option) const
     }
 }
 
-/// Around the row that the keys are at, unless it is selected, which shows it as well.
+/// Around the row that the keys are at, unless it is selected, which shows it as well, or the user has not
+/// touched them yet.
 void RVTableView::paintFocus(QPainter &painter) const
 {
     const QModelIndex current = currentIndex();
-    if (!hasFocus() || !current.isValid() || selectionModel()->isSelected(current)) {
+    if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange) || !current.isValid() ||
+        selectionModel()->isSelected(current)) {
         return;
     }
     constexpr qreal inset = tableFocusRingWidth / 2;
