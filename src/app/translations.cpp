@@ -20,7 +20,7 @@ QString translationFor(const QStringList &languages, const QStringList &shipped)
 {
     for (const QString &wanted : languages) {
         // With the country, the script, or neither: "de-AT", "zh-Hant-TW".
-        const QString language = wanted.section(u'-', 0, 0);
+        QString language = wanted.section(u'-', 0, 0);
         if (language == QLatin1StringView("en") || language == QLatin1StringView("C")) {
             return {};
         }
