@@ -388,11 +388,11 @@ void TestMainWindow::closingTheWindow()
 {
     Stage stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
-    auto answer = MainWindow::Closing::Minimises;
-    stage.window->setClosing([&] { return answer; });
+    auto closing = MainWindow::Closing::Minimises;
+    stage.window->setClosing([&] { return closing; });
     stage.find<QAction>(u"closeWindowAction"_s)->trigger();
     QVERIFY(stage.window->isVisible() && stage.window->isMinimized());
-    answer = MainWindow::Closing::Hides;
+    closing = MainWindow::Closing::Hides;
     stage.doubleClick(stage.middleOf(0));
     QTRY_VERIFY(stage.window->player().streamPlayback().myBackendPlayer());
     stage.find<QAction>(u"closeWindowAction"_s)->trigger();
