@@ -38,5 +38,7 @@ display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.
 test_packages=(clang-format clang-tidy icecast2 pulseaudio pulseaudio-utils python3 desktop-file-utils dbus dbus-daemon
     python3-gi gir1.2-atspi-2.0 at-spi2-core)
+# What ./fuzz is built with.
+fuzz_packages=(clang)
 # What ./bench/run compares with, and what it listens with.
 bench_packages=(mpv pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)

@@ -7,6 +7,29 @@
 namespace {
 constexpr auto streamVersion = QDataStream::Qt_6_4;
 
+/// Indexes up to the end of the stream: a count would have to be believed.
+struct TileIndexes
+{
+    QList<qsizetype> indexes;
+
+    friend QDataStream &operator<<(QDataStream &stream, const TileIndexes &tiles)
+    {
+        for (const qsizetype index : tiles.indexes) {
+            stream << static_cast<qint64>(index);
+        }
+        return stream;
+    }
+    friend QDataStream &operator>>(QDataStream &stream, TileIndexes &tiles)
+    {
+        while (!stream.atEnd() && stream.status() == QDataStream::Ok) {
+            qint64 index = 0;
+            stream >> index;
+            tiles.indexes.append(index);
+        }
+        return stream;
+    }
+};
+
 const QByteArray &token()
 {
     static const QByteArray random = QUuid::createUuid().toRfc4122();
@@ -53,12 +76,12 @@ std::optional<StationEntry> station(const QByteArray &payload)
 
 QByteArray ofTiles(const QList<qsizetype> &indexes)
 {
-    return archived(tilesType, indexes);
+    return archived(tilesType, TileIndexes{indexes});
 }
 
 std::optional<QList<qsizetype>> tiles(const QByteArray &payload)
 {
-    auto indexes = unarchived<QList<qsizetype>>(tilesType, payload);
-    return indexes && !indexes->isEmpty() ? indexes : std::nullopt;
+    const auto tiles = unarchived<TileIndexes>(tilesType, payload);
+    return tiles && !tiles->indexes.isEmpty() ? std::optional(tiles->indexes) : std::nullopt;
 }
 } // namespace DragPayload

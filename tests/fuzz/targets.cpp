@@ -1,0 +1,119 @@
+#include "fuzz/targets.h"
+
+#include "directory/address.h"
+#include "directory/base64.h"
+#include "directory/displaytext.h"
+#include "directory/stationdirectory.h"
+#include "mainwindow/dragpayload.h"
+#include "model/keyedarchive.h"
+#include "playback/playlist.h"
+#include "playback/privatestream.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+void require(bool holds)
+{
+    if (!holds) {
+        std::abort();
+    }
+}
+
+void fuzzDirectoryAnswer(const QByteArray &data)
+{
+    StationDirectory directory({}, [] { return QString(); });
+    int reloads = 0;
+    QObject::connect(&directory, &StationDirectory::stationsReloaded, [&reloads] { ++reloads; });
+    directory.takeAnswer(FetchOutcome(data), StationDirectory::stationListModel);
+    const StationList first = directory.radioData();
+    require(reloads == 1);
+    require(first.size() <= StationDirectory::maximumStations);
+    require(first.isEmpty() || directory.outcome() == StationDirectory::Outcome::Read);
+    for (const StationEntry &station : first) {
+        require(displayText(station.text(QLatin1StringView("name"))).size() <= maximumDisplayLength);
+    }
+    // Every answer is delivered twice.
+    directory.takeAnswer(FetchOutcome(data), StationDirectory::stationListModel);
+    require(directory.radioData().size() == first.size());
+}
+
+void fuzzFavouritesArchive(const QByteArray &data)
+{
+    const auto read = KeyedUnarchiver::unarchiveObjectWithData(data);
+    if (!read) {
+        return;
+    }
+    require(static_cast<std::size_t>(read->stations.size()) <= KeyedUnarchiver::maximumStations);
+    const QByteArray written = KeyedArchiver::archivedDataWithRootObject(read->stations);
+    require(!written.isNull());
+    const auto again = KeyedUnarchiver::unarchiveObjectWithData(written);
+    require(again.has_value() && again->stations.size() == read->stations.size());
+    // What was written once is read as it is, and written the same.
+    require(KeyedArchiver::archivedDataWithRootObject(again->stations) == written);
+}
+
+void fuzzPlaylist(const QByteArray &data)
+{
+    Playlist::kindOf(QByteArrayView(data).first(std::min(data.size(), Playlist::headBytes)));
+    const QUrl base(QStringLiteral("http://radio.example/listen/list.m3u"));
+    const QList<QUrl> entries = Playlist::entries(data, base);
+    require(entries.size() <= Playlist::maximumEntries);
+    require(std::all_of(entries.cbegin(), entries.cend(), isHttpUrl));
+}
+
+void fuzzStationAddress(const QByteArray &data)
+{
+    const QStringList lines = QString::fromUtf8(data).split(u'\n');
+    RadioModel station;
+    station.setRadioscheme(lines.value(0));
+    station.setUrl(lines.value(1));
+    station.setPort(lines.value(2));
+    station.setMountpoint(lines.value(3));
+    station.setUsername(lines.value(4));
+    station.setPassword(lines.value(5));
+
+    const QUrl url = privateStreamUrl(station);
+    require(!url.isValid() || url.userInfo().isEmpty());
+    for (const auto &[name, value] : privateStreamHeaders(station, lines.value(6))) {
+        require(!value.contains('\r') && !value.contains('\n'));
+    }
+    const QByteArray escaped = percentEscaped(lines.value(1));
+    require(std::all_of(escaped.cbegin(), escaped.cend(),
+                        [](char letter) { return letter > ' ' && letter < 127; }));
+    require(QByteArray::fromPercentEncoding(escaped) == lines.value(1).toUtf8());
+    const auto decoded = Base64::decode(Base64::encode(data));
+    require(data.isEmpty() || (decoded && *decoded == data));
+    Base64::decode(lines.value(1));
+}
+
+void fuzzDisplayText(const QByteArray &data)
+{
+    // Both as text and as any units whatever, halves of pairs included.
+    const QString units(reinterpret_cast<const QChar *>(data.constData()), data.size() / 2);
+    for (const QString &text : {QString::fromUtf8(data), units}) {
+        const QString shown = displayText(text);
+        require(shown.size() <= maximumDisplayLength);
+        require(displayText(shown) == shown);
+        require(std::none_of(shown.cbegin(), shown.cend(), [](QChar letter) {
+            const char16_t unit = letter.unicode();
+            return unit < u' ' || (unit >= 0x7F && unit < 0xA0) || (unit >= 0x202A && unit <= 0x202E) ||
+                   (unit >= 0x2066 && unit <= 0x2069) || unit == 0x2028 || unit == 0x2029;
+        }));
+    }
+}
+
+void fuzzDragPayload(const QByteArray &data)
+{
+    DragPayload::station(data);
+    DragPayload::tiles(data);
+    // The payload of nothing begins with the token and the type, as every one of this process does.
+    constexpr qsizetype stationEnd = 4 + 4 + 8 + 1 + 8 + 1;
+    const QByteArray ofStation = DragPayload::ofStation(StationEntry());
+    if (const auto station =
+            DragPayload::station(ofStation.chopped(std::min(stationEnd, ofStation.size())) + data)) {
+        require(DragPayload::station(DragPayload::ofStation(*station)).has_value());
+    }
+    if (const auto tiles = DragPayload::tiles(DragPayload::ofTiles({}) + data)) {
+        require(DragPayload::tiles(DragPayload::ofTiles(*tiles)) == tiles);
+    }
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QByteArray>
+#include <array>
+
+/// What is fuzzed: each takes bytes as they may come from outside, gives them to the code that has to bear
+/// them, and ends the process where that breaks a promise of its own.
+struct FuzzTarget
+{
+    /// Also of the folder of its seeds.
+    const char *name;
+    void (*run)(const QByteArray &data);
+};
+
+void fuzzDirectoryAnswer(const QByteArray &data);
+void fuzzFavouritesArchive(const QByteArray &data);
+void fuzzPlaylist(const QByteArray &data);
+/// Lines: scheme, url, port, mount point, user name, password of a station.
+void fuzzStationAddress(const QByteArray &data);
+void fuzzDisplayText(const QByteArray &data);
+/// What follows the token of this process.
+void fuzzDragPayload(const QByteArray &data);
+
+inline constexpr std::array<FuzzTarget, 6> fuzzTargets{{
+    {"directory-answer", fuzzDirectoryAnswer},
+    {"favourites-archive", fuzzFavouritesArchive},
+    {"playlist", fuzzPlaylist},
+    {"station-address", fuzzStationAddress},
+    {"display-text", fuzzDisplayText},
+    {"drag-payload", fuzzDragPayload},
+}};
+
+/// Ends the process, so that the fuzzer keeps the input.
+void require(bool holds);
