@@ -178,6 +178,9 @@ void KeyedArchiver::redirect(plist_t copied, const std::shared_ptr<const KeyedDo
         if (isPlist(node, PLIST_UID)) {
             plist_t object = document->resolved(node);
             plist_set_uid_val(node, object == nullptr ? 0 : indexOfCopy({document, object}));
+        } else if (isPlist(node, PLIST_STRING)) {
+            // Half of a pair would make the whole archive unreadable for others.
+            setPlistText(node, plistText(node));
         } else {
             const std::vector<plist_t> children = plistChildren(node);
             pending.insert(pending.end(), children.begin(), children.end());

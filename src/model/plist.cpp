@@ -4,12 +4,23 @@
 #include <QStringEncoder>
 #include <cstdlib>
 
-Plist newPlistText(const QString &text)
+namespace {
+QByteArray plistBytes(const QString &text)
 {
     // QString's own conversion would put a question mark.
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-    const QByteArray bytes = encoder.encode(text);
-    return Plist(plist_new_string(bytes.constData()));
+    return encoder.encode(text);
+}
+} // namespace
+
+Plist newPlistText(const QString &text)
+{
+    return Plist(plist_new_string(plistBytes(text).constData()));
+}
+
+void setPlistText(plist_t node, const QString &text)
+{
+    plist_set_string_val(node, plistBytes(text).constData());
 }
 
 QString plistText(plist_t node)

@@ -20,6 +20,9 @@ using Plist = std::unique_ptr<void, PlistFree>;
 /// ends at its first U+0000, because libplist's strings do.
 Plist newPlistText(const QString &text);
 
+/// Makes `node` one of that text, as newPlistText() does.
+void setPlistText(plist_t node, const QString &text);
+
 /// The text of a string node, whatever characters it is made of; null of any other node, or of none.
 QString plistText(plist_t node);
 

@@ -29,6 +29,3 @@ inline constexpr std::array<FuzzTarget, 6> fuzzTargets{{
     {"display-text", fuzzDisplayText},
     {"drag-payload", fuzzDragPayload},
 }};
-
-/// Ends the process, so that the fuzzer keeps the input.
-void require(bool holds);
