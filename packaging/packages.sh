@@ -31,14 +31,14 @@ need_packages() {
 }
 
 # What the program and localradio are built from, and what they need when they run.
-build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-l10n-tools libexpat1-dev libplist-dev libmpv-dev
+build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-l10n-tools libboost-dev libexpat1-dev libplist-dev libmpv-dev
     libxcb1-dev ffmpeg fonts-dejavu-core ca-certificates)
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests use besides.
-test_packages=(clang-format clang-tidy icecast2 pulseaudio pulseaudio-utils python3 desktop-file-utils dbus dbus-daemon
+test_packages=(clang-format clang-tidy openssl icecast2 pulseaudio pulseaudio-utils python3 desktop-file-utils dbus dbus-daemon
     python3-gi gir1.2-atspi-2.0 at-spi2-core)
 # What ./fuzz is built with.
 fuzz_packages=(clang)
 # What ./bench/run compares with, and what it listens with.
-bench_packages=(mpv pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)
+bench_packages=(mpv curl pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)

@@ -1,12 +1,5 @@
 #include "directory/address.h"
 
-namespace {
-int effectivePort(const QUrl &url)
-{
-    return url.port(url.scheme() == QLatin1StringView("https") ? 443 : 80);
-}
-} // namespace
-
 QByteArray percentEscaped(const QString &text)
 {
     return QUrl::toPercentEncoding(text, "!$&'()*+,/:;=?@");
@@ -21,6 +14,11 @@ bool isHttpUrl(const QUrl &url)
 {
     return url.isValid() && !url.host().isEmpty() &&
            (url.scheme() == QLatin1StringView("http") || url.scheme() == QLatin1StringView("https"));
+}
+
+quint16 effectivePort(const QUrl &url)
+{
+    return static_cast<quint16>(url.port(url.scheme() == QLatin1StringView("https") ? 443 : 80));
 }
 
 bool isSameOrigin(const QUrl &left, const QUrl &right)

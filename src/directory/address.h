@@ -15,6 +15,9 @@ QUrl urlFromAddress(const QString &address);
 /// Whether `url` is valid, has a host, and its scheme is http or https.
 bool isHttpUrl(const QUrl &url);
 
+/// The port of an http or https URL, or its scheme's own where it names none.
+quint16 effectivePort(const QUrl &url);
+
 /// Whether two URLs have the same scheme, host and port, default ports counted: what a credential for one
 /// of them may be sent to.
 bool isSameOrigin(const QUrl &left, const QUrl &right);

@@ -14,6 +14,13 @@ QString tagTooLong()
     return QStringLiteral("tag too long");
 }
 
+/// Expat takes a document for UTF-16 by its first two bytes, whatever encoding it is told.
+bool beginsLikeUtf16(const QByteArray &document)
+{
+    const QByteArray first = document.left(2);
+    return first.contains('\0') || first.contains('\xfe') || first.contains('\xff');
+}
+
 /// The elements of one document use few sets of attributes: with and without a logo, a current track.
 constexpr std::size_t maximumKnownNames = 16;
 } // namespace
@@ -65,6 +72,10 @@ private:
 
 bool AnswerParser::parse(const QByteArray &document)
 {
+    if (beginsLikeUtf16(document)) {
+        errorText_ = QStringLiteral("not in UTF-8");
+        return false;
+    }
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat(XML_ParserCreate("UTF-8"),
                                                                              &XML_ParserFree);
     expat_ = expat.get();

@@ -1,21 +1,11 @@
 #include "directory/httpexchange.h"
 
 #include "directory/address.h"
+#include "directory/serverconnection.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <algorithm>
 
 namespace {
-/// Whether the exchange itself went wrong, as against a server that answered with an error status: those
-/// codes begin at 201.
-bool isTransportError(QNetworkReply::NetworkError error)
-{
-    return error != QNetworkReply::NoError &&
-           (error < QNetworkReply::ContentAccessDenied || error == QNetworkReply::ProtocolFailure);
-}
-
 bool isRedirect(const HttpResponse &response)
 {
     const int status = response.status;
@@ -23,8 +13,29 @@ bool isRedirect(const HttpResponse &response)
            !response.header("Location").isEmpty();
 }
 
-/// How much waits unread while the thread is busy; the rest waits at the server.
-constexpr qint64 readBufferBytes = 1024LL * 1024;
+/// Sets a header, in the place of one of the same name.
+void setHeader(HttpHeaders &headers, const QByteArray &name, const QByteArray &value)
+{
+    headers.removeIf(
+        [&name](const auto &header) { return header.first.compare(name, Qt::CaseInsensitive) == 0; });
+    headers.emplaceBack(name, value);
+}
+
+/// As a request names it: RFC 9112, 3.2 and 3.2.1.
+QByteArray hostOf(const QUrl &url)
+{
+    return url
+        .toEncoded(QUrl::RemoveScheme | QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery |
+                   QUrl::RemoveFragment)
+        .mid(2);
+}
+
+QByteArray targetOf(const QUrl &url)
+{
+    const QByteArray target =
+        url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    return target.startsWith('/') ? target : '/' + target;
+}
 } // namespace
 
 QByteArray HttpResponse::header(QByteArrayView name) const
@@ -39,16 +50,15 @@ QByteArray HttpResponse::header(QByteArrayView name) const
 
 HttpExchange::HttpExchange(QObject *parent)
     : QObject(parent)
-    , network_(new QNetworkAccessManager(this))
 {
     deadline_.setSingleShot(true);
     connect(&deadline_, &QTimer::timeout, this,
-            [this] { fail(QNetworkReply::TimeoutError, QStringLiteral("the server took too long")); });
+            [this] { fail(TookTooLong, QStringLiteral("the server took too long")); });
 }
 
 HttpExchange::~HttpExchange()
 {
-    dropReply();
+    dropConnection();
 }
 
 void HttpExchange::start(const HttpRequest &request)
@@ -61,118 +71,133 @@ void HttpExchange::start(const HttpRequest &request)
 void HttpExchange::cancel()
 {
     deadline_.stop();
-    dropReply();
+    dropConnection();
 }
 
 void HttpExchange::send(const QUrl &url)
 {
-    QNetworkRequest request(url);
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setRawHeader("Cache-Control", "no-cache");
-    // A compressed answer can be larger than anything that was counted on its way in.
-    request.setRawHeader("Accept-Encoding", "identity");
-    for (const auto &[name, value] : std::as_const(request_.headers)) {
-        const bool credential = name.compare("Authorization", Qt::CaseInsensitive) == 0;
-        if (!credential || isSameOrigin(url, request_.url)) {
-            request.setRawHeader(name, value);
-        }
-    }
-    if (isSameOrigin(url, request_.owner)) {
-        for (const auto &[name, value] : std::as_const(request_.ownerHeaders)) {
-            request.setRawHeader(name, value);
-        }
-    }
-
-    reply_ = request_.method == "GET" ? network_->get(request)
-                                      : network_->sendCustomRequest(request, request_.method, request_.body);
-    reply_->setReadBufferSize(readBufferBytes);
-    connect(reply_, &QNetworkReply::metaDataChanged, this, &HttpExchange::readHead);
-    connect(reply_, &QNetworkReply::readyRead, this, &HttpExchange::readBody);
-    connect(reply_, &QNetworkReply::finished, this, &HttpExchange::end);
-    // Some transport faults end in this signal and never in the other.
-    connect(reply_, &QNetworkReply::errorOccurred, this, [this](QNetworkReply::NetworkError error) {
-        if (isTransportError(error)) {
-            end();
+    response_.url = url;
+    parser_ = std::make_unique<HttpAnswerParser>();
+    connection_ = new ServerConnection(this);
+    connect(connection_, &ServerConnection::opened, this, [this] { connection_->write(requestBytes()); });
+    connect(connection_, &ServerConnection::received, this, &HttpExchange::receive);
+    connect(connection_, &ServerConnection::closed, this, [this] {
+        receive();
+        if (connection_ != nullptr) {
+            proceed(parser_->close());
         }
     });
+    connect(connection_, &ServerConnection::failed, this,
+            [this](const QString &description) { fail(NoConnection, description); });
+    connection_->open(url);
 }
 
-/// A redirect is followed as soon as it is known: its body may be long, or never end.
-void HttpExchange::readHead()
+QByteArray HttpExchange::requestBytes() const
 {
-    response_.url = reply_->url();
-    response_.status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    response_.headers = reply_->rawHeaderPairs();
-    if (isRedirect(response_)) {
-        redirect();
+    const QUrl &url = response_.url;
+    HttpHeaders headers{
+        {"Host", hostOf(url)},
+        {"Connection", "close"},
+        {"Accept", "*/*"},
+        {"Cache-Control", "no-cache"},
+        // A compressed answer can be larger than anything that was counted on its way in.
+        {"Accept-Encoding", "identity"},
+    };
+    for (const auto &[name, value] : request_.headers) {
+        setHeader(headers, name, value);
+    }
+    if (isSameOrigin(url, request_.owner)) {
+        for (const auto &[name, value] : request_.ownerHeaders) {
+            setHeader(headers, name, value);
+        }
+    }
+    if (!request_.body.isEmpty() || request_.method == "POST" || request_.method == "PUT") {
+        setHeader(headers, "Content-Length", QByteArray::number(request_.body.size()));
+    }
+    QByteArray bytes = request_.method + ' ' + targetOf(url) + " HTTP/1.1\r\n";
+    for (const auto &[name, value] : std::as_const(headers)) {
+        bytes += name + ": " + value + "\r\n";
+    }
+    return bytes + "\r\n" + request_.body;
+}
+
+void HttpExchange::receive()
+{
+    proceed(parser_->feed(connection_->read()));
+}
+
+/// Each step may end the exchange, or begin it anew elsewhere.
+void HttpExchange::proceed(HttpAnswerParser::State state)
+{
+    using State = HttpAnswerParser::State;
+    if (state == State::Body || state == State::Complete) {
+        response_.status = parser_->status();
+        response_.headers = parser_->headers();
+        if (isRedirect(response_)) {
+            // As soon as it is known: its body may be long, or never end.
+            redirect();
+            return;
+        }
+    }
+    if (state != State::Head) {
+        readBody();
+    }
+    if (connection_ == nullptr) {
+        return;
+    }
+    if (state == State::Malformed) {
+        fail(NotHttp, QStringLiteral("the server's answer is not HTTP, or incomplete"));
+    } else if (state == State::Complete) {
+        cancel();
+        Q_EMIT finished();
     }
 }
 
 /// Whoever listens may have seen enough after what fits, and cancel.
 void HttpExchange::readBody()
 {
+    const QByteArray more = parser_->takeBody();
     const qint64 room = request_.maximumBytes - body_.size();
-    const QByteArray more = reply_->read(std::min(room, reply_->bytesAvailable()));
-    if (!more.isEmpty()) {
-        body_ += more;
+    if (!more.isEmpty() && room > 0) {
+        body_ += QByteArrayView(more).first(std::min<qsizetype>(room, more.size()));
         Q_EMIT bodyReceived();
     }
-    if (reply_ != nullptr && body_.size() == request_.maximumBytes && reply_->bytesAvailable() > 0) {
-        fail(QNetworkReply::UnknownContentError, QStringLiteral("the answer is too long"));
-    }
-}
-
-void HttpExchange::end()
-{
-    if (isTransportError(reply_->error())) {
-        fail(reply_->error(), reply_->errorString());
-        return;
-    }
-    // What the last signal of new data left behind.
-    while (reply_ != nullptr && reply_->bytesAvailable() > 0) {
-        readBody();
-    }
-    if (reply_ != nullptr) {
-        cancel();
-        Q_EMIT finished();
+    if (connection_ != nullptr && more.size() > room) {
+        fail(TooLong, QStringLiteral("the answer is too long"));
     }
 }
 
 void HttpExchange::redirect()
 {
-    const QUrl target = reply_->url().resolved(QUrl::fromEncoded(response_.header("Location")));
+    const QUrl target = response_.url.resolved(QUrl::fromEncoded(response_.header("Location")));
     if (!isHttpUrl(target)) {
-        fail(QNetworkReply::InsecureRedirectError, QStringLiteral("redirected to something else than http"));
+        fail(BadRedirect, QStringLiteral("redirected to something else than http"));
         return;
     }
     if (++redirects_ > maximumRedirects) {
-        fail(QNetworkReply::TooManyRedirectsError, QStringLiteral("redirected too often"));
+        fail(BadRedirect, QStringLiteral("redirected too often"));
         return;
     }
     if (response_.status != 307 && response_.status != 308) {
         request_.method = QByteArrayLiteral("GET");
         request_.body.clear();
     }
-    dropReply();
+    dropConnection();
     send(target);
 }
 
-void HttpExchange::fail(int code, const QString &description)
+void HttpExchange::fail(Fault fault, const QString &description)
 {
     cancel();
-    Q_EMIT failed({QStringLiteral("network"), code, description});
+    Q_EMIT failed({QStringLiteral("network"), fault, description});
 }
 
-void HttpExchange::dropReply()
+void HttpExchange::dropConnection()
 {
-    if (reply_ != nullptr) {
-        reply_->disconnect(this);
-        reply_->deleteLater();
-        reply_ = nullptr;
+    if (connection_ != nullptr) {
+        connection_->disconnect(this);
+        connection_->abort();
+        connection_->deleteLater();
+        connection_ = nullptr;
     }
 }

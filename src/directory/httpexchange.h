@@ -1,19 +1,16 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
+#include "directory/httpanswerparser.h"
+
 #include <QObject>
-#include <QPair>
 #include <QTimer>
 #include <QUrl>
 #include <chrono>
+#include <memory>
 
-class QNetworkAccessManager;
-class QNetworkReply;
+class ServerConnection;
 
-using HttpHeaders = QList<QPair<QByteArray, QByteArray>>;
-
-/// What is asked of a server, and how much of an answer is taken.
+/// What is asked of a server, and how much of an answer is taken. Each header fits in a line.
 struct HttpRequest
 {
     QUrl url;
@@ -24,7 +21,7 @@ struct HttpRequest
     HttpHeaders ownerHeaders = {};
     QUrl owner = {};
     QByteArray body = {};
-    /// From the first byte sent to the last one received, redirects included.
+    /// From the start to the last byte received, redirects included.
     std::chrono::milliseconds deadline = std::chrono::seconds(60);
     /// The longest body that is taken; a longer one is an error.
     qint64 maximumBytes = 32LL * 1024 * 1024;
@@ -53,15 +50,23 @@ struct HttpError
 /// a bounded time. Ends with exactly one of finished() and failed(), unless it is cancelled before. Inside a
 /// slot of its signals it may be cancelled, but deleted only with deleteLater().
 ///
-/// Redirects are followed at most five times, and to http and https only. The "Authorization" header goes to
-/// the request's own scheme, host and port and nowhere else. Nothing is cached, kept or decompressed. An
-/// error status is an answer like any other.
+/// Redirects are followed at most five times, and to http and https only. Nothing is cached, kept or
+/// decompressed. An error status is an answer like any other.
 class HttpExchange : public QObject
 {
     Q_OBJECT
 
 public:
     static constexpr int maximumRedirects = 5;
+
+    /// What HttpError::code tells of an exchange.
+    enum Fault {
+        NoConnection = 1,
+        NotHttp,     ///< what came is no answer, or ended before the answer did
+        TookTooLong, ///< beyond the deadline
+        TooLong,     ///< beyond the longest body
+        BadRedirect, ///< to something else than http and https, or once too often
+    };
 
     explicit HttpExchange(QObject *parent = nullptr);
     ~HttpExchange() override;
@@ -87,15 +92,16 @@ Q_SIGNALS:
 
 private:
     void send(const QUrl &url);
-    void readHead();
+    QByteArray requestBytes() const;
+    void receive();
+    void proceed(HttpAnswerParser::State state);
     void readBody();
-    void end();
     void redirect();
-    void fail(int code, const QString &description);
-    void dropReply();
+    void fail(Fault fault, const QString &description);
+    void dropConnection();
 
-    QNetworkAccessManager *network_;
-    QNetworkReply *reply_ = nullptr;
+    ServerConnection *connection_ = nullptr;
+    std::unique_ptr<HttpAnswerParser> parser_; // of the connection's answer
     QTimer deadline_;
     HttpRequest request_;
     HttpResponse response_;

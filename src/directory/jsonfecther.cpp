@@ -55,12 +55,12 @@ QString JSonFecther::standardBasicAuthWithUsername(const QString &username, cons
 void JSonFecther::asynchRequest(const QUrl &url, const QString &method, const std::optional<QJsonValue> &body,
                                 Completion completion)
 {
-    HttpRequest request{.url = url};
+    HttpRequest request{.url = url, .owner = url};
     // What the directory knows this program by; not the agent that stream servers are shown.
     request.headers.emplaceBack("User-Agent", "com.Zelmo.ForMac.useragent");
     if (!username().isNull() && !password().isNull()) {
-        request.headers.emplaceBack("Authorization",
-                                    standardBasicAuthWithUsername(username(), password()).toLatin1());
+        request.ownerHeaders.emplaceBack("Authorization",
+                                         standardBasicAuthWithUsername(username(), password()).toLatin1());
     }
     if (!method.isNull()) {
         request.method = method.toLatin1();

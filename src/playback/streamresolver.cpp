@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 #include <QHostAddress>
 #include <QHostInfo>
-#include <QNetworkReply>
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -18,6 +17,8 @@ constexpr qint64 maximumPlaylistBytes = 256LL * 1024;
 constexpr std::chrono::milliseconds shortestShare = std::chrono::seconds(1);
 /// A server that is slow to send the first bytes takes most of a second.
 constexpr std::chrono::milliseconds doubtTime = std::chrono::seconds(1);
+/// What is shorter is no stream: FFmpeg would ask for it again and again, without a rest.
+constexpr qsizetype leastSoundBytes = 1024;
 /// How often one stream is handed out.
 constexpr int attempts = 2;
 constexpr int noLookup = -1;
@@ -101,6 +102,13 @@ void StreamResolver::refused()
         }
     } else {
         handOut(handedOut_);
+    }
+}
+
+void StreamResolver::reject()
+{
+    if (!handedOut_.isEmpty()) {
+        next();
     }
 }
 
@@ -245,6 +253,12 @@ void StreamResolver::judge(bool complete)
         next();
         break;
     case Playlist::Kind::Media:
+        if (current_.trusted && body.size() < leastSoundBytes) {
+            if (complete) {
+                next();
+            }
+            break;
+        }
         // Whoever was handed an address that redirects does not follow.
         if (current_.trusted && response.url == current_.url) {
             endLook();
@@ -271,9 +285,7 @@ void StreamResolver::dismiss()
 /// of the connection. The player understands such a server, and finds out where it was no such server.
 void StreamResolver::lookFailed(int code)
 {
-    const bool notHttp =
-        code == QNetworkReply::RemoteHostClosedError || code == QNetworkReply::ProtocolFailure;
-    if (notHttp && !current_.trusted) {
+    if (code == HttpExchange::NotHttp && !current_.trusted) {
         handOut(current_.url);
     } else {
         dismiss();

@@ -53,6 +53,8 @@ public:
     void start();
     /// The stream handed out last could not be played; goes on.
     void refused();
+    /// The stream handed out last must not be tried again; goes on.
+    void reject();
     /// The stream handed out last has been taken for sound, though it has not been heard yet.
     void accepted();
 

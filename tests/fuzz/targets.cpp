@@ -3,6 +3,7 @@
 #include "directory/address.h"
 #include "directory/base64.h"
 #include "directory/displaytext.h"
+#include "directory/httpanswerparser.h"
 #include "directory/stationdirectory.h"
 #include "mainwindow/dragpayload.h"
 #include "model/keyedarchive.h"
@@ -23,6 +24,29 @@ void require(bool holds, int line = __builtin_LINE())
     }
 }
 } // namespace
+
+/// However the network cuts an answer into pieces, it is the same answer.
+void fuzzHttpAnswer(const QByteArray &data)
+{
+    using State = HttpAnswerParser::State;
+    HttpAnswerParser whole;
+    State end = whole.feed(data);
+    end = end == State::Malformed ? end : whole.close();
+    const QByteArray body = whole.takeBody();
+    require(body.size() <= data.size());
+
+    HttpAnswerParser inBytes;
+    State endInBytes = State::Head;
+    QByteArray bodyInBytes;
+    for (qsizetype index = 0; index < data.size() && endInBytes != State::Malformed; ++index) {
+        endInBytes = inBytes.feed(data.mid(index, 1));
+        bodyInBytes += inBytes.takeBody();
+    }
+    endInBytes = endInBytes == State::Malformed ? endInBytes : inBytes.close();
+    require(end == endInBytes);
+    require(end == State::Malformed || (whole.status() == inBytes.status() &&
+                                        whole.headers() == inBytes.headers() && body == bodyInBytes));
+}
 
 void fuzzDirectoryAnswer(const QByteArray &data)
 {

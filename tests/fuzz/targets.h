@@ -12,6 +12,8 @@ struct FuzzTarget
     void (*run)(const QByteArray &data);
 };
 
+/// All that a server sends.
+void fuzzHttpAnswer(const QByteArray &data);
 void fuzzDirectoryAnswer(const QByteArray &data);
 void fuzzFavouritesArchive(const QByteArray &data);
 void fuzzPlaylist(const QByteArray &data);
@@ -21,7 +23,8 @@ void fuzzDisplayText(const QByteArray &data);
 /// What follows the token of this process.
 void fuzzDragPayload(const QByteArray &data);
 
-inline constexpr std::array<FuzzTarget, 6> fuzzTargets{{
+inline constexpr std::array<FuzzTarget, 7> fuzzTargets{{
+    {"http-answer", fuzzHttpAnswer},
     {"directory-answer", fuzzDirectoryAnswer},
     {"favourites-archive", fuzzFavouritesArchive},
     {"playlist", fuzzPlaylist},
