@@ -2,44 +2,23 @@
 
 #include "playback/mpv/detachedwork.h"
 #include "playback/mpv/listenersound.h"
-#include "playback/mpv/mpvhandle.h"
+#include "playback/mpv/mpvcores.h"
 #include "playback/mpv/mpvitem.h"
-#include "playback/mpv/mpvlibrary.h"
 #include "playback/mpv/mpvplayer.h"
 #include "playback/streamresolver.h"
 
 #include <QCoreApplication>
-#include <algorithm>
-#include <mutex>
-
-/// The library, opened once by whoever comes first. Shared with the thread that preloads, which may outlive
-/// the backend.
-class MpvBackend::Preload
-{
-public:
-    const MpvLibrary *get()
-    {
-        std::call_once(once_, [this] { library_ = MpvLibrary::open(); });
-        return library_.get();
-    }
-
-private:
-    std::once_flag once_;
-    std::unique_ptr<const MpvLibrary> library_;
-};
+#include <utility>
 
 namespace {
 /// How long a new core waits for the one before it to close the sound file.
 constexpr std::chrono::milliseconds fileReleaseTime = std::chrono::seconds(2);
 
-/// libmpv takes whole seconds, and 0 for its own default.
-QByteArray networkTimeout(double seconds)
-{
-    constexpr double longest = 24.0 * 60 * 60;
-    return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
-}
+/// How long nothing has played when the core for the next start is made: the last one is being torn down
+/// before that, and somebody who changes stations has started another.
+constexpr std::chrono::milliseconds preparationDelay = std::chrono::seconds(1);
 
-MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &request)
+MpvHandle::Options optionsFor(const AudioOutput &output)
 {
     MpvHandle::Options options = {
         // A core for sound alone, without the user's own configuration of the mpv program, scripts or keys.
@@ -61,7 +40,7 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
         // Until the output is open and its level is set.
         {"pause", "yes"},
         // What the tone changes is heard after what the core has queued.
-        {"audio-buffer", "0.05"},
+        {"audio-buffer", QByteArray::number(std::chrono::duration<double>(MpvItem::readySound).count())},
         {"audio-client-name", "Plumtide"},
         {"user-agent", StreamResolver::userAgent()},
         {"cache", "yes"},
@@ -81,17 +60,16 @@ MpvHandle::Options optionsFor(const AudioOutput &output, const StreamRequest &re
         // forgotten when the next arrives.
         {"demuxer-max-back-bytes", "256KiB"},
         {"demuxer-donate-buffer", "no"},
-        {"network-timeout", networkTimeout(request.timeout)},
         // A redirect would take the request's headers to another host.
         {"stream-lavf-o", "reconnect_streamed=1,reconnect_delay_max=8,max_redirects=0"},
     };
     if (output.isAutomatic()) {
-        // PipeWire is spoken to as PulseAudio is, where it can be. The sound server's queue of half a second
+        // PipeWire is spoken to as PulseAudio is, where it can be. The long queue there
         // costs a third of the processor time of the usual one. It rests, and changes its level, without a
         // delay.
-        options.insert(
-            options.end(),
-            {{"ao", "pulse,pipewire,alsa"}, {"pulse-buffer", "500"}, {"audio-fallback-to-null", "yes"}});
+        options.insert(options.end(), {{"ao", "pulse,pipewire,alsa"},
+                                       {"pulse-buffer", QByteArray::number(MpvItem::serverQueue.count())},
+                                       {"audio-fallback-to-null", "yes"}});
     } else if (output.isFile()) {
         // The file takes sound faster than it comes; waiting for more would look like a lost connection.
         options.insert(options.end(), {{"ao", "pcm"},
@@ -110,35 +88,39 @@ MpvBackend::MpvBackend(AudioOutput output, qint64 pausedBufferBytes)
     , sound_(std::make_shared<ListenerSound>())
     , heard_(std::make_shared<HeardStream>())
     , conditions_{sound_, heard_, pausedBufferBytes, !output_.isFile(), output_.isAutomatic()}
-    , library_(std::make_shared<Preload>())
     , detached_(std::make_shared<DetachedWork>())
+    , cores_(std::make_shared<MpvCores>(detached_, optionsFor(output_)))
 {
+    preparation_.setSingleShot(true);
+    preparation_.setInterval(preparationDelay);
+    QObject::connect(&preparation_, &QTimer::timeout, &preparation_, [this] { preload(); });
 }
 
 MpvBackend::~MpvBackend() = default;
 
 void MpvBackend::preload()
 {
-    DetachedWork::run(detached_, [library = library_] { library->get(); });
+    DetachedWork::run(detached_, [cores = cores_] { cores->prepare(); });
 }
 
 std::shared_ptr<BackendItem> MpvBackend::makeItem(const StreamRequest &request)
 {
-    std::unique_ptr<MpvHandle> handle;
-    if (const MpvLibrary *library = library_->get()) {
-        if (output_.isFile()) {
-            detached_->waitForNone(fileReleaseTime);
-        }
-        handle = MpvHandle::create(*library, detached_, optionsFor(output_, request));
+    if (output_.isFile()) {
+        detached_->waitForNone(fileReleaseTime);
     }
-    auto *item = new MpvItem(request, conditions_, std::move(handle));
+    auto *item = new MpvItem(request, conditions_, cores_->take());
     item->moveToThread(QCoreApplication::instance()->thread());
     return {item, [](MpvItem *released) { released->deleteLater(); }};
 }
 
 std::shared_ptr<BackendPlayer> MpvBackend::makePlayer(const std::shared_ptr<BackendItem> &item)
 {
-    return std::make_shared<MpvPlayer>(std::static_pointer_cast<MpvItem>(item));
+    // A core takes a megabyte, which is spared while something plays.
+    preparation_.stop();
+    return {new MpvPlayer(std::static_pointer_cast<MpvItem>(item)), [this](MpvPlayer *released) {
+                delete released;
+                preparation_.start();
+            }};
 }
 
 void MpvBackend::setSound(const SoundSettings &settings)
@@ -148,5 +130,7 @@ void MpvBackend::setSound(const SoundSettings &settings)
 
 bool MpvBackend::waitForDetachedWork(std::chrono::milliseconds time)
 {
+    preparation_.stop();
+    cores_->close();
     return detached_->waitForNone(time);
 }

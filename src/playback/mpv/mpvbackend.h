@@ -4,11 +4,12 @@
 #include "playback/mpv/audiooutput.h"
 #include "playback/mpv/mpvconditions.h"
 
+#include <QTimer>
 #include <chrono>
 #include <memory>
 
-struct MpvLibrary;
 class DetachedWork;
+class MpvCores;
 
 /// The backend on libmpv.
 class MpvBackend : public Backend
@@ -18,7 +19,8 @@ public:
     explicit MpvBackend(AudioOutput output, qint64 pausedBufferBytes = MpvConditions::usualPausedBufferBytes);
     ~MpvBackend() override;
 
-    /// Opens libmpv on a thread of its own; an item that is asked for earlier waits for it. Any thread.
+    /// Opens libmpv and makes a core for the next item, on a thread of its own; an item that is asked for
+    /// earlier waits for libmpv. Any thread.
     void preload();
 
     std::shared_ptr<BackendItem> makeItem(const StreamRequest &request) override;
@@ -26,18 +28,17 @@ public:
     void setSound(const SoundSettings &settings) override;
     const HeardStream &heardStream() const override { return *heard_; }
 
-    /// Whether what goes on beside the main thread is done within `time`: cores that are torn down, the
-    /// library that is opened. Where not, the process must end without running its exit handlers, because
-    /// threads of libmpv are still at work.
+    /// Ends the preparation for further items. Whether what goes on beside the main thread is done within
+    /// `time`: cores that are torn down, the library that is opened. Where not, the process must end without
+    /// running its exit handlers, because threads of libmpv are still at work.
     bool waitForDetachedWork(std::chrono::milliseconds time);
 
 private:
-    class Preload;
-
     AudioOutput output_;
     std::shared_ptr<ListenerSound> sound_;
     std::shared_ptr<HeardStream> heard_;
     MpvConditions conditions_;
-    std::shared_ptr<Preload> library_;
     std::shared_ptr<DetachedWork> detached_;
+    std::shared_ptr<MpvCores> cores_;
+    QTimer preparation_;
 };

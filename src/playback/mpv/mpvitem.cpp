@@ -10,7 +10,6 @@
 #include <QLatin1StringView>
 #include <QLoggingCategory>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -21,16 +20,27 @@ Q_LOGGING_CATEGORY(lcItem, "plumtide.playback")
 constexpr double reportedGrowth = 1.0;
 /// The buffer counts as full a little before its limit: libmpv stops at the packet that would cross it.
 constexpr double fullShare = 0.98;
-/// What an output has queued at most.
-constexpr std::chrono::milliseconds queuedSound{550};
+/// What waits to be heard at most, once it has left the buffer.
+constexpr std::chrono::milliseconds queuedSound = MpvItem::serverQueue + MpvItem::readySound;
 /// The share of the time that has to come in as sound for a dry buffer to go on.
 constexpr double sustainingShare = 0.5;
 /// libmpv's own demand on the likeness to a format, out of 100.
 constexpr int surerProbeScore = 26;
+/// What this process may take while a stream is opened, whatever for: libmpv takes 10 MiB for every one.
+/// FFmpeg reads the tags in front of the sound as a whole, and a tag of 256 MB is a valid one.
+constexpr qint64 mostOpeningBytes = 24LL * 1024 * 1024;
+constexpr std::chrono::milliseconds memoryCheckTime{10};
 /// How long a pause may wait for loading to go on.
 constexpr std::chrono::milliseconds longestPauseDelay{500};
 /// How often a sound server is looked for where there was none.
 constexpr std::chrono::milliseconds outputRetryTime{3000};
+
+/// libmpv takes whole seconds, and 0 for its own default.
+QByteArray networkTimeout(double seconds)
+{
+    constexpr double longest = 24.0 * 60 * 60;
+    return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
+}
 
 /// As a value in a list of options, whatever stands in it.
 QByteArray verbatim(const QByteArray &text)
@@ -45,6 +55,7 @@ MpvItem::MpvItem(const StreamRequest &request, const MpvConditions &conditions,
     , conditions_(conditions)
     , handle_(std::move(handle))
     , outputRetry_(this)
+    , opening_(this)
     , pauseDelay_(this)
     , dry_(this)
 {
@@ -54,6 +65,8 @@ MpvItem::MpvItem(const StreamRequest &request, const MpvConditions &conditions,
     dry_.setSingleShot(true);
     dry_.setInterval(queuedSound);
     connect(&dry_, &QTimer::timeout, this, &MpvItem::judgeDryBuffer);
+    opening_.setInterval(memoryCheckTime);
+    connect(&opening_, &QTimer::timeout, this, &MpvItem::judgeMemory);
     outputRetry_.setInterval(outputRetryTime);
     connect(&outputRetry_, &QTimer::timeout, this, [this] { handle_->command({"ao-reload"}); });
 }
@@ -129,7 +142,7 @@ void MpvItem::load(const QUrl &stream)
     entry_.reset();
     // Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of
     // the one before when it takes them.
-    QByteArrayList options;
+    QByteArrayList options{"network-timeout=" + networkTimeout(request_.timeout)};
     const HttpHeaders headers = resolver_->headersFor(stream);
     for (const auto &[name, value] : headers) {
         if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
@@ -144,12 +157,23 @@ void MpvItem::load(const QUrl &stream)
         // It was taken for a format that it hardly resembled.
         options.append("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
     }
+    memory_.begin();
+    opening_.start();
     handle_->command({"loadfile", stream.toEncoded(), "replace", options.join(',')}, ++loads_);
+}
+
+void MpvItem::judgeMemory()
+{
+    if (memory_.grownBytes() > mostOpeningBytes) {
+        qCWarning(lcItem) << "a stream takes too much memory before it begins; it is not played";
+        resolver_->reject();
+    }
 }
 
 /// What libmpv still has to say of the stream belongs to nobody.
 void MpvItem::drop()
 {
+    opening_.stop();
     entry_.reset();
     ++loads_;
     handle_->command({"stop"});
@@ -164,6 +188,7 @@ void MpvItem::fail()
 
 void MpvItem::shutDown()
 {
+    opening_.stop();
     outputRetry_.stop();
     pauseDelay_.stop();
     dry_.stop();
@@ -206,6 +231,7 @@ void MpvItem::handle(const mpv_event &event)
         break;
     case MPV_EVENT_FILE_LOADED:
         if (resolver_ && entry_) {
+            opening_.stop();
             resolver_->accepted();
         }
         break;
@@ -280,6 +306,7 @@ void MpvItem::applyRate()
 void MpvItem::soundStarted()
 {
     sounded_ = true;
+    opening_.stop();
     resolver_.reset();
     // From here on nothing but a really empty output is silence.
     handle_->setFlag("cache-pause", false);
@@ -329,7 +356,7 @@ void MpvItem::watchDryBuffer()
 }
 
 /// A dry buffer is no lost connection yet: a server that sends each sound just in time never fills one, and
-/// the output has half a second in its queue. It is one when that has been played and too little has come.
+/// the output has its queue. It is one when that has been played and too little has come.
 void MpvItem::judgeDryBuffer()
 {
     if (running_ &&
@@ -346,6 +373,7 @@ void MpvItem::streamEnded(const mpv_event_end_file &end)
         return;
     }
     if (!sounded_) {
+        opening_.stop();
         resolver_->refused();
         return;
     }

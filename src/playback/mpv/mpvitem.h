@@ -2,6 +2,7 @@
 
 #include "playback/backend.h"
 #include "playback/mpv/heardreport.h"
+#include "playback/mpv/memorywatch.h"
 #include "playback/mpv/mpvconditions.h"
 #include "playback/mpv/mpvhandle.h"
 #include "playback/mpv/soundcontrol.h"
@@ -10,6 +11,7 @@
 #include <QObject>
 #include <QTimer>
 #include <atomic>
+#include <chrono>
 #include <optional>
 
 class MpvPlayer;
@@ -24,6 +26,10 @@ class MpvItem : public QObject, public BackendItem, public std::enable_shared_fr
 public:
     /// Enough for minutes of sound ahead, so that a server that sends faster than it should costs no more.
     static constexpr qint64 playingBufferBytes = 8LL * 1024 * 1024;
+    /// The sound that libmpv has ready for the output.
+    static constexpr std::chrono::milliseconds readySound{50};
+    /// The sound that the sound server queues of it.
+    static constexpr std::chrono::milliseconds serverQueue{600};
 
     /// Without a handle the item fails when it is played.
     MpvItem(const StreamRequest &request, const MpvConditions &conditions, std::unique_ptr<MpvHandle> handle);
@@ -41,6 +47,7 @@ private:
     void begin();
     void load(const QUrl &stream);
     void drop();
+    void judgeMemory();
     void fail();
     void shutDown();
     void scheduleDrain();
@@ -75,6 +82,9 @@ private:
     quint64 loads_ = 0;
     QUrl stream_;
     std::optional<qint64> entry_;
+    /// Runs while a stream is being opened.
+    QTimer opening_;
+    MemoryWatch memory_;
     bool begun_ = false;
     bool running_ = false;
     /// Runs while a pause waits for loading to go on; see setRunning().
