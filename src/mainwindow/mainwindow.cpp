@@ -135,13 +135,9 @@ void MainWindow::bindInfo(const Backend &backend)
     setTabOrder(ui_->transportStopButton, ui_->infoView->historyButton());
     auto *popover = new HistoryPopover(this, infoBinding_->history());
     const auto toggle = [this, popover] {
-        if (popover->isShown()) {
-            popover->close();
-        } else {
-            QWidget *view = ui_->infoView->isVisible() ? static_cast<QWidget *>(ui_->infoView)
-                                                       : static_cast<QWidget *>(ui_->myToolbarBox);
-            popover->showRelativeTo(view->rect(), view);
-        }
+        QWidget *view = ui_->infoView->isVisible() ? static_cast<QWidget *>(ui_->infoView)
+                                                   : static_cast<QWidget *>(ui_->myToolbarBox);
+        popover->toggleRelativeTo(view->rect(), view);
     };
     connect(ui_->infoView, &InfoView::clicked, this, toggle);
     connect(ui_->recentTitlesAction, &QAction::triggered, this, toggle);

@@ -47,12 +47,8 @@ constexpr qreal itemBorderWidth = 5.0;
 /// Opens the popover beside `sender`, which may be null, or closes it.
 void toggle(Popover &popover, QWidget *sender)
 {
-    if (popover.isShown()) {
-        popover.close();
-    } else {
-        QWidget *view = sender != nullptr ? sender : popover.parentWidget();
-        popover.showRelativeTo(sender != nullptr ? sender->rect() : QRect(), view, Popover::Side::Above);
-    }
+    QWidget *view = sender != nullptr ? sender : popover.parentWidget();
+    popover.toggleRelativeTo(sender != nullptr ? sender->rect() : QRect(), view, Popover::Side::Above);
 }
 } // namespace
 

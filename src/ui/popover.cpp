@@ -53,6 +53,15 @@ void Popover::showRelativeTo(const QRect &rectangle, QWidget *view, Side preferr
     setFocus(Qt::PopupFocusReason);
 }
 
+void Popover::toggleRelativeTo(const QRect &rectangle, QWidget *view, Side preferred)
+{
+    if (isShown()) {
+        close();
+    } else {
+        showRelativeTo(rectangle, view, preferred);
+    }
+}
+
 void Popover::place()
 {
     const QRect anchor(view_->mapTo(parentWidget(), rectangle_.topLeft()), rectangle_.size());

@@ -34,6 +34,9 @@ public:
     /// back when it closes.
     void showRelativeTo(const QRect &rectangle, QWidget *view, Side preferred = Side::Below);
 
+    /// The same where it is not shown; else closes it.
+    void toggleRelativeTo(const QRect &rectangle, QWidget *view, Side preferred = Side::Below);
+
     /// Goes where its control has gone, or to the one that stands for it now.
     void follow(QWidget *view);
     /// Its control is out of sight, and may come to stand for something else: it stays where it is, and when
