@@ -47,7 +47,7 @@ public:
     const QByteArray &bytes()
     {
         std::array<char, 65536> part;
-        while (end_ == "open") {
+        while (end_ == "open" && bytes_.size() < most) { // of what never ends
             const ssize_t size = ::recv(socket_, part.data(), part.size(), MSG_DONTWAIT);
             if (size > 0) {
                 bytes_.append(part.data(), size);
@@ -74,6 +74,8 @@ public:
     }
 
 private:
+    static constexpr qsizetype most = 20'000'000;
+
     qsizetype bodyStart() { return bytes().indexOf("\r\n\r\n") + 4; }
 
     int socket_;
@@ -156,6 +158,7 @@ private Q_SLOTS:
         add("redirect=x&status=308", "308", "Location: x", "Status\n");
         add("body=html&close-after=6", "200", "Content-Type: text/html; charset=utf-8", "<!DOCT");
         add("body=html&type=audio/mpeg&reset-after=0", "200", "Content-Type: audio/mpeg", "");
+        add("status=404&header=Via:%20x", "404", "Via: x", "Not Found\n");
         add("status=503&rate=9999", "503", text, "Service Unavailable\n");
 
         const QByteArray bytes = " must be a whole number from 0 to 9223372036854775807\n";
@@ -169,6 +172,8 @@ private Q_SLOTS:
                  {"rate=0", "rate must be a whole number from 1 to 1000000000\n"},
                  {"type=a%0d%0ab", "type must be a text without control characters\n"},
                  {"redirect=", "redirect must be a text without control characters\n"},
+                 {"tag=63", "tag must be a whole number from 64 to 268435455\n"},
+                 {"tag=64&tag-of=x", "tag-of must be one of: padding, picture, text\n"},
                  {"status=404&body=x", "body must be one of: endless, html, random, zeros\n"},
              }) {
             add(query, "400", text, line);
@@ -245,7 +250,8 @@ private Q_SLOTS:
         Client sameRandom(secondPort_, stream("body=random&close-after=999999&type=a/b"));
         Client zeros(port_, stream("body=zeros&close-after=999999"));
         Client endless(port_, stream("body=endless&close-after=9000000")); // nine minutes
-        for (Client *client : {&random, &sameRandom, &zeros, &endless}) {
+        Client chunked(port_, stream("header=Content-Length:%207&chunk=zz&close-after=0"));
+        for (Client *client : {&random, &sameRandom, &zeros, &endless, &chunked}) {
             QTRY_COMPARE(client->end(), QByteArray("closed"));
         }
         QVERIFY(random.head().contains("\r\nContent-Type: audio/mpeg\r\n"));
@@ -254,7 +260,27 @@ private Q_SLOTS:
         QVERIFY(random.body().count('\0') < 5000);
         QCOMPARE(zeros.body().count('\0'), 999'999);
         QCOMPARE(endless.body().size(), 9'000'000);
+        QVERIFY(
+            chunked.bytes().endsWith("\r\nContent-Length: 7\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n"));
         QVERIFY(endless.body().count("\xff\xfb") > 20'000); // frames
+    }
+
+    void tags()
+    {
+        Client padding(port_, stream("tag=268435455&close-after=99999"));
+        Client picture(port_, stream("tag=70000&tag-of=picture&close-after=99999"));
+        Client text(port_, stream("tag=64&tag-of=text&close-after=100"));
+        for (Client *client : {&padding, &picture, &text}) {
+            QTRY_COMPARE(client->end(), QByteArray("closed"));
+        }
+        QCOMPARE(padding.body(), QByteArray("ID3\4\0\0\x7f\x7f\x7f\x7f", 10) + QByteArray(99'989, '\0'));
+        QVERIFY(picture.body().startsWith(QByteArray("ID3\4\0\0\0\4\x22\x70"
+                                                     "APIC\0\4\x22\x66\0\0\0image/png\0\3\0xx",
+                                                     35)));
+        QCOMPARE(picture.body().lastIndexOf("xxxxxxxx"), 70'010 - 8);
+        QVERIFY(text.body().startsWith(QByteArray("ID3\4\0\0\0\0\0\x40TIT2\0\0\0\x36\0\0\0", 21) +
+                                       QByteArray(53, 'x')));
+        QVERIFY(text.body()[74] != 'x');
     }
 
     void titles_data()
@@ -404,6 +430,68 @@ private Q_SLOTS:
                 QVERIFY(client.body() != "Not found\n"); // which is what the directory says
             }
         }
+    }
+
+    void answers_data()
+    {
+        QTest::addColumn<QByteArray>("begin");
+        QTest::addColumn<QByteArray>("bodyEnd");
+        QTest::addColumn<QByteArray>("end");
+        QTest::addColumn<qsizetype>("least"); // bytes of the body
+        const QByteArray fine = "HTTP/1.1 200 OK\r\n";
+        const QByteArray list = "</stationlist>\n";
+        const QByteArray open = "open";
+        const QByteArray closed = "closed";
+        const auto add = [](const char *order, const QByteArray &begin, const QByteArray &bodyEnd,
+                            const QByteArray &end, qsizetype least = 0) {
+            QTest::newRow(order) << begin << bodyEnd << end << least;
+        };
+        add("silent", {}, {}, open);
+        add("closed", {}, {}, closed);
+        add("empty", fine, {}, closed);
+        add("header-drip", {}, {}, open);
+        add("endless-headers", fine, {}, open);
+        add("body-drip", {}, {}, open);
+        add("endless-body", fine, {}, open, 9'000'000);
+        add("bomb=2064000", fine, QByteArray(9, '\0'), closed, 13'000);
+        add("long-length", fine, list, closed);
+        add("short-length", fine, list, closed);
+        add("bad-chunk", fine, "\r\n0\r\n\r\n", closed);
+        add("reset", fine, {}, "reset", 100);
+        add("truncate", fine, {}, closed, 100);
+        add("truncate=7", fine, "<?xml v", closed);
+        add("redirect=port", "HTTP/1.1 302 Found\r\n", "Found\n", closed);
+        add("status=503", "HTTP/1.1 503 Service", "Service Unavailable\n", closed);
+        add("portal", fine, "</html>\n", closed);
+        add("dtd", fine, list, closed);
+        add("entities", fine, list, closed);
+        add("external-entity", fine, list, closed);
+        add("long-attribute=1234567", fine, "aaa\"/>" + list, closed, 1'234'567);
+        add("attributes=9999", fine, " a9998=\"\"/>" + list, closed);
+        add("depth=2", fine, "\n<a><a></a></a>" + list, closed);
+        for (const char *order : {"nul", "bad-utf8", "numbers", "html-names", "bidi", "charset=Shift_JIS"}) {
+            add(order, fine, list, closed, 100);
+        }
+        add("charset=UTF-16", fine, QByteArray(">\0\n\0", 4), closed, 300);
+        add("long-names=99999", fine, list, closed, 2 * 99'999);
+        for (const char *order : {"", "nonsense", "status", "status=x", "bomb=-1"}) {
+            add(order, "HTTP/1.1 400 Bad Request\r\n", {}, closed);
+        }
+    }
+
+    void answers()
+    {
+        QFETCH(QByteArray, begin);
+        QFETCH(QByteArray, bodyEnd);
+        QFETCH(QByteArray, end);
+        QFETCH(qsizetype, least);
+        Client client(secondPort_,
+                      QByteArray("/legacy/stationsearch?k=k&search=fault:") + QTest::currentDataTag());
+        QTRY_VERIFY(client.bytes().size() >= begin.size());
+        QTRY_VERIFY(least == 0 || (client.hasHead() && client.body().size() >= least));
+        QTRY_COMPARE(client.end(), end);
+        QVERIFY2(client.bytes().startsWith(begin), client.bytes().left(100).constData());
+        QVERIFY(client.bytes().endsWith(bodyEnd));
     }
 
     void outage()

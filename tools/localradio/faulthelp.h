@@ -20,6 +20,13 @@ and a line that says which.
   body=zeros          zeros without end
   body=endless        the station itself, as fast as the client reads
   type=TEXT           another Content-Type
+  header=TEXT         one more header, as it stands
+  chunk=TEXT          announces chunks, begins the body with this as the size
+                      of one, and never ends that one
+  tag=BYTES           begins with an ID3v2 tag of so many bytes, 64 to
+                      268435455, as fast as the client reads, and so the rest
+  tag-of=padding|picture|text
+                      what is in it, padding if left out
   close-after=BYTES   ends after so many bytes of the body, 0 for none
   reset-after=BYTES   resets the connection instead
   stall-after=BYTES   stays open instead, and silent
@@ -61,7 +68,41 @@ stall-after and rate as well, and these:
 As in any query, an "&" or "+" within a value is written %26 or %2B.
 
 With --faults, one station for each fault that is worth hearing stands at the
-end of the catalogue; a search for "fault" finds them.
+end of the catalogue; a search for "fault" finds them. And whoever searches
+for one of these gets that for an answer from the directory:
+
+  fault:silent           nothing, on an open connection
+  fault:closed           the connection closes without a byte
+  fault:empty            no bytes for a body
+  fault:header-drip      a byte of the head a second, without end
+  fault:endless-headers  headers without end, as fast as the client reads
+  fault:body-drip        20 bytes a second, without end
+  fault:endless-body     stations without end, as fast as the client reads
+  fault:bomb[=BYTES]     gzip that nobody asked for; as many bytes inflated,
+                         300 million if left out
+  fault:long-length      1000 bytes fewer than its Content-Length says
+  fault:short-length     twice as many
+  fault:bad-chunk        chunks with a word for a size
+  fault:reset            the connection is reset amid the list
+  fault:truncate[=BYTES] the list ends after so many bytes, or in the middle
+  fault:redirect=WHERE   to one of these: port, the whole directory on the
+                         other port; loop, file or ADDRESS, as for a stream
+  fault:status=N         that status, 200 to 599, and a line of text
+  fault:portal           a network's login page
+  fault:dtd              a document type declaration before the list
+  fault:entities         one that makes a gigabyte of a short entity
+  fault:external-entity  one that names a file
+  fault:long-attribute[=BYTES]  a name of 100 million letters
+  fault:attributes[=N]   a million attributes in a tag
+  fault:depth[=N]        100,000 elements, each within the other
+  fault:nul              a name with a NUL
+  fault:bad-utf8         a name that is not UTF-8
+  fault:charset=NAME     declared; and true of iso-8859-1, windows-1252,
+                         shift_jis and utf-16
+  fault:numbers          bit rates, listeners and ids that make no sense
+  fault:html-names       names in HTML
+  fault:long-names[=BYTES]      a name of 2 million letters
+  fault:bidi             names that turn directions and have controls
 )";
 
 } // namespace localradio

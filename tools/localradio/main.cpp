@@ -1,3 +1,4 @@
+#include "localradio/answerfaults.h"
 #include "localradio/basiclock.h"
 #include "localradio/builtincatalogue.h"
 #include "localradio/directoryservice.h"
@@ -15,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 using namespace localradio;
@@ -109,7 +111,8 @@ Options readOptions(const QCoreApplication &application)
                                   QStringLiteral("Print the catalogue as JSON, pitches in Hz, and end."));
 
     const QCommandLineOption faults(QStringLiteral("faults"),
-                                    QStringLiteral("Add stations at which something goes wrong."));
+                                    QStringLiteral("Add stations, and searches, at which "
+                                                   "something goes wrong."));
     const QCommandLineOption helpFaults(
         QStringLiteral("help-faults"),
         QStringLiteral("Tell what can be made to go wrong, and how, and end."));
@@ -205,12 +208,17 @@ int run(const QCoreApplication &application)
     StreamMounts mounts(*catalogue, options.loops, options.burstSeconds,
                         {server.port(), secondServer.port()});
     FaultService faults(server);
+    std::optional<AnswerFaults> answerFaults;
+    if (options.faults) {
+        answerFaults.emplace(catalogue->stations().front().id, Ports{server.port(), secondServer.port()});
+    }
     const BasicLock lock(options.user, options.password);
     const auto handler = [&](HttpConnection &connection) {
         const RequestTarget target(connection.request().target);
         if (target.path().startsWith(StreamMounts::privatePrefix) && !lock.opensFor(connection.request())) {
             connection.answer(BasicLock::challenge());
-        } else if (!mounts.serve(connection, target) && !faults.serve(connection, target)) {
+        } else if (!(answerFaults && answerFaults->serve(connection, target)) &&
+                   !mounts.serve(connection, target) && !faults.serve(connection, target)) {
             connection.answer(directory.answer(target));
         }
     };

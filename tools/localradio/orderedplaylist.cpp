@@ -35,10 +35,12 @@ QList<QByteArray> entriesOf(const RequestTarget &target, const QByteArray &rawTa
 QByteArray comments(char mark, const QByteArray &eol, qint64 bytes)
 {
     constexpr qint64 lineSize = 80;
-    QByteArray lines;
-    while (lines.size() < bytes) {
-        const qsizetype dashes = std::min(lineSize, bytes - lines.size()) - 1 - eol.size();
-        lines += mark + QByteArray(std::max(qsizetype{0}, dashes), '-') + eol;
+    const auto line = [&](qint64 size) -> QByteArray {
+        return mark + QByteArray(std::max(qsizetype{0}, size - 1 - eol.size()), '-') + eol;
+    };
+    QByteArray lines = line(lineSize).repeated(bytes / lineSize);
+    if (const qint64 rest = bytes % lineSize; rest > 0) {
+        lines += line(rest);
     }
     return lines;
 }

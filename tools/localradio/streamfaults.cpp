@@ -2,6 +2,7 @@
 
 #include "localradio/httpconnection.h"
 #include "localradio/parameters.h"
+#include "localradio/redirect.h"
 
 #include <array>
 
@@ -16,23 +17,6 @@ constexpr char webPage[] = R"(<!DOCTYPE html>
 </html>
 )";
 
-QByteArray location(const QByteArray &redirect, const HttpConnection &connection, const Ports &ports)
-{
-    const QByteArray here = originOf(connection.port()).toUtf8();
-    const QByteArray &target = connection.request().target;
-    const QByteArray path = target.first(target.indexOf('?'));
-    if (redirect == "same") {
-        return here + path;
-    }
-    if (redirect == "port") {
-        return originOf(ports.otherThan(connection.port())).toUtf8() + path;
-    }
-    if (redirect == "loop") {
-        return here + target;
-    }
-    return redirect == "file" ? "file:///etc/passwd" : redirect;
-}
-
 } // namespace
 
 StreamFaults StreamFaults::read(const RequestTarget &target)
@@ -43,6 +27,9 @@ StreamFaults StreamFaults::read(const RequestTarget &target)
     faults.status = wholeNumber(target, QLatin1StringView("status"), 100, 599);
     faults.redirect = headerText(target, QLatin1StringView("redirect"));
     faults.contentType = headerText(target, QLatin1StringView("type"));
+    faults.header = headerText(target, QLatin1StringView("header"));
+    faults.chunkSize = headerText(target, QLatin1StringView("chunk"));
+    faults.tag = LeadingTag::read(target);
     if (const auto index = choice(target, QLatin1StringView("body"), bodies)) {
         faults.body = std::array{Body::Endless, Body::Html, Body::Random, Body::Zeros}[*index];
     }
@@ -57,12 +44,17 @@ std::optional<Answer> StreamFaults::answerInstead(const HttpConnection &connecti
     if (status || redirect) {
         answer = Answer::plain(status.value_or(302));
         if (redirect) {
-            answer.headers = "Location: " + location(*redirect, connection, ports) + "\r\n";
+            const QByteArray &target = connection.request().target;
+            const QByteArray path = target.first(target.indexOf('?'));
+            answer.headers = "Location: " + redirectLocation(*redirect, connection, ports, path) + "\r\n";
         }
     } else if (body == Body::Html) {
         answer = {200, "text/html; charset=utf-8", webPage};
     } else {
         return std::nullopt;
+    }
+    if (header) {
+        answer.headers += *header + "\r\n";
     }
     answer.contentType = contentType.value_or(answer.contentType);
     return answer;

@@ -4,6 +4,7 @@
 #include "localradio/delivery.h"
 #include "localradio/icystyle.h"
 #include "localradio/ports.h"
+#include "localradio/taggedsource.h"
 
 #include <optional>
 
@@ -25,6 +26,9 @@ struct StreamFaults
     std::optional<int> status;             ///< in place of the stream, or of a redirect's 302
     std::optional<QByteArray> redirect;    ///< a word with a meaning, or an address as it stands
     std::optional<QByteArray> contentType; ///< in place of the right one
+    std::optional<QByteArray> header;      ///< one more
+    std::optional<QByteArray> chunkSize;   ///< before a body that is announced as chunked
+    std::optional<LeadingTag> tag;
     Body body = Body::Station;
     IcyStyle icy;
     Delivery delivery;

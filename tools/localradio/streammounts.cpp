@@ -49,6 +49,12 @@ QByteArray streamHead(const Station &station, const StreamFaults &faults, bool t
     if (titles) {
         head += "icy-metaint: " + faults.icy.announcedInterval + "\r\n";
     }
+    if (faults.header) {
+        head += *faults.header + "\r\n";
+    }
+    if (faults.chunkSize) {
+        return head + "Transfer-Encoding: chunked\r\n\r\n" + *faults.chunkSize + "\r\n";
+    }
     return head + "\r\n";
 }
 
@@ -95,6 +101,9 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
         outlet->answer(Answer::plain(503, "The loop of this station cannot be read"));
         return true;
     }
+    if (faults.tag) {
+        source = std::make_unique<TaggedSource>(*faults.tag, std::move(source));
+    }
     const Pace live{static_cast<double>(loop.size()) / loopSeconds, burstSeconds_};
     const bool titles = isAudio(faults.body) && loopFormat(station->mount->loop) != Format::Ogg &&
                         connection.request().header("Icy-MetaData") == "1";
@@ -106,7 +115,7 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
     if (titles && faults.icy.interval > 0) {
         weaver = weaverFor(*station, faults.icy, live.bytesPerSecond);
     }
-    const bool paced = faults.body == StreamFaults::Body::Station;
+    const bool paced = faults.body == StreamFaults::Body::Station && !faults.tag;
     attach(new Listener(*outlet, std::move(source), paced ? std::optional(live) : std::nullopt,
                         std::move(weaver)));
     return true;

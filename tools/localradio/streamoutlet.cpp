@@ -26,10 +26,7 @@ void StreamOutlet::answer(const Answer &answer)
     }
     begin(answer.status, answer.head());
     send(answer.body);
-    if (!end_) {
-        end_ = Delivery::End::Close;
-        flush();
-    }
+    finish();
 }
 
 void StreamOutlet::begin(int status, const QByteArray &head)
@@ -60,6 +57,14 @@ void StreamOutlet::send(const QByteArray &body)
         end_ = delivery_.cut->end;
     }
     flush();
+}
+
+void StreamOutlet::finish()
+{
+    if (!end_) {
+        end_ = Delivery::End::Close;
+        flush();
+    }
 }
 
 qint64 StreamOutlet::room() const

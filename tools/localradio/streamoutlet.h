@@ -33,6 +33,9 @@ public:
     /// Adds `body` to the stream that has begun; nothing beyond a cut.
     void send(const QByteArray &body);
 
+    /// Ends the stream that has begun: it closes when everything has gone, unless it was cut off before.
+    void finish();
+
     /// Body bytes that send() should get at most for now, never negative; 0 for ever beyond a cut.
     qint64 room() const;
 
