@@ -1,4 +1,5 @@
 """The built program in a home of its own, for the tests of what it leaves and how it is reached."""
+import faulthandler
 import os
 import pathlib
 import plistlib
@@ -44,6 +45,9 @@ def records(data):
 
 class ProgramTest(unittest.TestCase):
     def setUp(self):
+        # What is waited for in vain is named, before the whole run is ended without a word.
+        faulthandler.dump_traceback_later(60, exit=True)
+        self.addCleanup(faulthandler.cancel_dump_traceback_later)
         self.home = tempfile.TemporaryDirectory()
         self.addCleanup(self.home.cleanup)
         self.folder = pathlib.Path(self.home.name, "Music", "com.plumtide.folders")
@@ -78,7 +82,9 @@ class ProgramTest(unittest.TestCase):
 
     def start_display(self):
         """Starts an X server; returns it and the settings for it."""
-        server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1180x760x24", "-nolisten", "tcp"],
+        # A server that begins anew when its last client leaves may take the next one for one of those that left.
+        server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1180x760x24", "-nolisten", "tcp",
+                                   "-noreset"],
                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         self.addCleanup(server.stdout.close)
         self.addCleanup(server.wait)

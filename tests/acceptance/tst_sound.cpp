@@ -272,7 +272,7 @@ void TestSound::soundServerMayGoAndCome()
     QCOMPARE(stage.statuses, healthy);
 }
 
-/// The half second in the sound server's queue is not heard after a pause or an end, nor lost by a pause.
+/// What is in the sound server's queue is not heard after a pause or an end, nor lost by a pause.
 void TestSound::silenceIsImmediate()
 {
     ScriptedServer tone;
