@@ -7,51 +7,24 @@
 #include "playback/mpv/mpvbackend.h"
 #include "readenvironment.h"
 #include "settings/statefile.h"
+#include "support/gapwatch.h"
 #include "ui/look.h"
 #include "ui/rvtableview.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QMouseEvent>
 #include <QTimer>
-#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 
 namespace {
 constexpr int clicks = 200;
 constexpr int betweenClicks = 30;
 constexpr int restTime = 5'000;
 constexpr int rows = 20;
-
-/// The longest time that a 1 ms timer has been kept waiting.
-class GapWatch : public QObject
-{
-public:
-    GapWatch()
-    {
-        since_.start();
-        startTimer(1, Qt::PreciseTimer);
-    }
-
-    /// In milliseconds, since this was called last.
-    double longest() { return static_cast<double>(std::exchange(longest_, 0)) / 1e6; }
-
-protected:
-    void timerEvent(QTimerEvent *) override
-    {
-        longest_ = std::max(longest_, since_.nsecsElapsed());
-        since_.restart();
-    }
-
-private:
-    QElapsedTimer since_;
-    qint64 longest_ = 0;
-};
 
 qsizetype entriesOf(const QString &folder)
 {

@@ -1,8 +1,18 @@
-# Sourced by ./bench/run: a display, a sound server with a null sink and a radio of our own, and the programs that are
+# Sourced by ./bench/run and ./bench/soak: a display, a sound server with a null sink and a radio of our own, and the programs that are
 # measured there. What they say is kept in build/bench/.
 
+bin=build/release/bin
 stage=build/bench
 sink=bench
+
+# Builds what people run and what is measured with it.
+build_release() {
+    mkdir -p build
+    { cmake --preset release && cmake --build --preset release; } >build/bench-build.log 2>&1 || {
+        cat build/bench-build.log >&2
+        exit 1
+    }
+}
 
 # wait_for COMMAND...: until it succeeds; ends the script where that takes more than 10 s.
 wait_for() {
