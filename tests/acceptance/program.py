@@ -46,7 +46,7 @@ def records(data):
 class ProgramTest(unittest.TestCase):
     def setUp(self):
         # What is waited for in vain is named, before the whole run is ended without a word.
-        faulthandler.dump_traceback_later(60, exit=True)
+        faulthandler.dump_traceback_later(100, exit=True)
         self.addCleanup(faulthandler.cancel_dump_traceback_later)
         self.home = tempfile.TemporaryDirectory()
         self.addCleanup(self.home.cleanup)

@@ -46,6 +46,13 @@ QList<QByteArray> ScriptedServer::targets() const
     return list;
 }
 
+void ScriptedServer::closeConnections()
+{
+    for (QTcpSocket *socket : findChildren<QTcpSocket *>()) {
+        socket->disconnectFromHost();
+    }
+}
+
 void ScriptedServer::accept()
 {
     while (QTcpSocket *socket = nextPendingConnection()) {

@@ -38,6 +38,8 @@ public:
     QList<QByteArray> targets() const;
     /// Connections that are still open.
     int openConnections() const { return openConnections_; }
+    /// Closes them, as a server does that has no more to say.
+    void closeConnections();
 
 private:
     struct Answer

@@ -16,7 +16,7 @@ class Stage
 {
 public:
     /// How long a test waits for a station to be heard or to end, in milliseconds.
-    static constexpr int soundTime = 15'000;
+    static constexpr int soundTime = 30'000;
     /// The status texts of a station that plays.
     static const QStringList healthyStart;
     /// Those that follow when it ends to play, because its sound has run out.
