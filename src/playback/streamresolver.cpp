@@ -253,7 +253,7 @@ void StreamResolver::judge(bool complete)
         next();
         break;
     case Playlist::Kind::Media:
-        if (current_.trusted && body.size() < leastSoundBytes) {
+        if (body.size() < leastSoundBytes) {
             if (complete) {
                 next();
             }

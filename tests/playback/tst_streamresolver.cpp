@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QByteArray sound =
-    "HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\n\x07<html>" + QByteArray(100, '\x01');
+    "HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\n\x07<html>" + QByteArray(2000, '\x01');
 
 QStringList texts(const QList<QUrl> &urls)
 {
@@ -118,6 +118,7 @@ void TestStreamResolver::candidates_data()
     QTest::newRow("a web page") << QByteArray("/page") << QStringList{};
     QTest::newRow("an error page") << QByteArray("/gone") << QStringList{};
     QTest::newRow("nothing") << QByteArray("/empty") << QStringList{};
+    QTest::newRow("too little to be sound") << QByteArray("/crumb") << QStringList{};
     QTest::newRow("too long") << QByteArray("/endless") << QStringList{};
 }
 
@@ -134,6 +135,7 @@ void TestStreamResolver::candidates()
     server.scriptBody("/gone", QByteArray(200, '\x01'), "404 Not Found");
     server.scriptBody("/page", "<html><body>Welcome</body></html>");
     server.scriptBody("/empty", "");
+    server.script("/crumb", "HTTP/1.0 200 OK\r\n\r\n" + QByteArray(100, '\x01'));
     server.scriptBody("/list", "[playlist]\nFile1=" + server.address(u"/gone"_s).toLatin1() +
                                    "\nFile2=" + server.address(u"/moved"_s).toLatin1());
     server.scriptBody("/lost", "http://nowhere.invalid/x\n" + server.address(u"/sound"_s).toLatin1());
