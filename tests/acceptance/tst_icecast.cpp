@@ -71,7 +71,7 @@ void TestIcecast::privateMountsAreNotHeard()
 {
     directory_.leadTo({icecast_.address(Icecast::privateMount)});
     Stage stage(directory_.address());
-    stage.settings.setValue("timeout_value", 2);
+    stage.settings.setValue("timeout_value", 5);
     stage.doubleClick(0);
     QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::failure, Stage::soundTime);
 }
@@ -88,7 +88,7 @@ void TestIcecast::privateMountsAskForAPassword()
 {
     QFETCH(QString, password);
     Stage stage(directory_.address());
-    stage.settings.setValue("timeout_value", 3);
+    stage.settings.setValue("timeout_value", 5);
     const auto station = std::make_shared<RadioModel>();
     station->setUrl(u"http://127.0.0.1"_s);
     station->setPort(QString::number(QUrl(QString::fromLatin1(icecast_.address("/"))).port()));

@@ -14,9 +14,10 @@ namespace {
 constexpr int burstBytes = 32'000;
 /// Before the server answers, in milliseconds, and the time-out, in seconds: two such answers, one after the
 /// other, would come too late.
-constexpr int slowAnswer = 2500;
-constexpr int slowTimeout = 4;
-
+constexpr int slowAnswer = 4000;
+constexpr int slowTimeout = 7;
+/// Seconds in which any machine plays a station, or finds out that it cannot.
+constexpr int usualTimeout = 5;
 } // namespace
 
 /// What servers are sent for the stations that the user has entered, and when they are given up.
@@ -88,9 +89,10 @@ void TestPrivateStations::requestsCarryHeaders()
     QFETCH(int, stored);
     QFETCH(QString, username);
     stage_->settings.setValue("useragent_value", stored);
-    play(server, u"/station"_s, 4, true, username);
+    play(server, u"/station"_s, usualTimeout, true, username);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
-    QCOMPARE(server.targets(), (QList<QByteArray>{"/station", "/station", "/sound"}));
+    QCOMPARE_GE(server.targets().size(), 3);
+    QCOMPARE(server.targets().first(3), (QList<QByteArray>{"/station", "/station", "/sound"}));
     HttpHeaders expected = privateStreamHeaders(*station_, stored);
     QCOMPARE(expected.size(), stored == 3 ? 1 : 2);
     if (stored == 3) {
@@ -113,16 +115,18 @@ void TestPrivateStations::othersGetNoHeaders()
         "HTTP/1.0 302 Found\r\nLocation: " + elsewhere.address(u"/sound"_s).toLatin1() + "\r\n\r\n";
     ScriptedServer server;
     server.script("/moved", redirect);
-    server.script("/lost", burst_);
-    server.scriptNext("/lost", redirect);
-    play(server, u"/moved"_s, 4);
+    play(server, u"/moved"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     for (const QByteArray &request : elsewhere.requests()) {
         QVERIFY(request.contains("User-Agent: " + StreamResolver::userAgent()));
         QVERIFY(!request.contains("Authorization"));
     }
     const qsizetype before = elsewhere.requests().size();
-    play(server, u"/lost"_s, 4);
+    server.script("/lost", burst_, ScriptedServer::After::StayOpen);
+    play(server, u"/lost"_s, usualTimeout);
+    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
+    server.script("/lost", redirect);
+    server.closeConnections();
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
     QVERIFY(server.targets().count("/lost") > 1);
     QCOMPARE(elsewhere.requests().size(), before);
@@ -132,7 +136,7 @@ void TestPrivateStations::refusedCredentialsFail()
 {
     ScriptedServer server;
     server.script("/sound", "HTTP/1.0 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n\r\nNo");
-    play(server, u"/sound"_s, 2);
+    play(server, u"/sound"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
     // FFmpeg's, its second one once it knows the method, and the look's.
     QCOMPARE_LE(server.requests().size(), 3);

@@ -51,7 +51,6 @@ void TestDirectoryFaults::initTestCase()
     returnFreedMemory(); // as in the program
     QVERIFY(radio_.isRunning());
     stage_ = std::make_unique<DirectoryStage>(radio_.address());
-    stage_->settings.setValue("timeout_value", 4);
     QTRY_VERIFY(!stage_->isBusy());
     carryOn();
 }

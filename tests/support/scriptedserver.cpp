@@ -23,12 +23,7 @@ QString ScriptedServer::address(const QString &path) const
 
 void ScriptedServer::script(const QByteArray &path, const QByteArray &rawAnswer, After after)
 {
-    answers_.insert(path, {{rawAnswer, after}});
-}
-
-void ScriptedServer::scriptNext(const QByteArray &path, const QByteArray &rawAnswer, After after)
-{
-    answers_[path].append({rawAnswer, after});
+    answers_.insert(path, {rawAnswer, after});
 }
 
 void ScriptedServer::scriptBody(const QByteArray &path, const QByteArray &body, const QByteArray &status)
@@ -72,10 +67,9 @@ void ScriptedServer::answer(QTcpSocket *socket)
         return;
     }
     requests_.append(socket->readAll());
-    const auto found = answers_.find(targetOf(received).split('?').first());
-    if (found != answers_.end()) {
-        const Answer answer = found->size() > 1 ? found->takeFirst() : found->constFirst();
-        QTimer::singleShot(delay_, socket, [socket, answer] {
+    const auto found = answers_.constFind(targetOf(received).split('?').first());
+    if (found != answers_.constEnd()) {
+        QTimer::singleShot(delay_, socket, [socket, answer = *found] {
             socket->write(answer.bytes);
             if (answer.after == After::Close) {
                 socket->disconnectFromHost();

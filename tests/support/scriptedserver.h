@@ -23,9 +23,6 @@ public:
     /// The raw answer to requests for `path`, without its query; any other path is accepted and never
     /// answered.
     void script(const QByteArray &path, const QByteArray &rawAnswer, After after = After::Close);
-    /// The answer to requests for `path` after those that have been scripted, each of which is then given
-    /// once.
-    void scriptNext(const QByteArray &path, const QByteArray &rawAnswer, After after = After::Close);
     /// An answer with a status line, a length and `body`.
     void scriptBody(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK");
 
@@ -51,7 +48,7 @@ private:
     void accept();
     void answer(QTcpSocket *socket);
 
-    QHash<QByteArray, QList<Answer>> answers_;
+    QHash<QByteArray, Answer> answers_;
     QList<QByteArray> requests_;
     int openConnections_ = 0;
     int delay_ = 0;
