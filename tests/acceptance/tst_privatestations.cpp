@@ -1,5 +1,6 @@
 #include "playback/privatestream.h"
 #include "playback/streamresolver.h"
+#include "support/encryptedserver.h"
 #include "support/localradio.h"
 #include "support/stage.h"
 
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void requestsCarryHeaders();
     void othersGetNoHeaders();
     void refusedCredentialsFail();
+    void certificatesAreVerified();
     void slowServersPlay_data();
     void slowServersPlay();
     void cleanupTestCase() { stage_.reset(); }
@@ -140,6 +142,33 @@ void TestPrivateStations::refusedCredentialsFail()
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
     // FFmpeg's, its second one once it knows the method, and the look's.
     QCOMPARE_LE(server.requests().size(), 3);
+}
+
+/// A server that cannot show who it is is heard, but learns no credentials.
+void TestPrivateStations::certificatesAreVerified()
+{
+    const EncryptedServer server(burst_, EncryptedServer::After::StayOpen);
+    QVERIFY(server.isReady());
+    const QString address = u"https://localhost:%1/sound"_s.arg(server.serverPort());
+    stage_->settings.setValue("timeout_value", usualTimeout);
+    directory_.leadTo({address.toLatin1()});
+    stage_->doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
+    QVERIFY(server.requests().startsWith("GET /sound "));
+    const qsizetype before = server.requests().size();
+
+    station_ = std::make_shared<RadioModel>();
+    station_->setRadioscheme(u"https"_s);
+    station_->setUrl(u"https://localhost"_s);
+    station_->setPort(QString::number(server.serverPort()));
+    station_->setMountpoint(u"/sound"_s);
+    station_->setUsername(u"user"_s);
+    station_->setPassword(u"pass"_s);
+    station_->setRadioIsPrivate(true);
+    stage_->statuses.clear();
+    stage_->window.player().streamPlayback().playRadioCustomWithObject(station_);
+    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
+    QCOMPARE(server.requests().size(), before);
 }
 
 void TestPrivateStations::slowServersPlay_data()
