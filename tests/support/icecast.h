@@ -33,6 +33,7 @@ public:
 private:
     QString configurationFile() const { return folder_.filePath(QStringLiteral("icecast.xml")); }
     QString listenersFile() const { return folder_.filePath(QStringLiteral("listeners")); }
+    bool start();
     void writeConfiguration() const;
     QByteArray get(const QByteArray &path) const;
     bool isOnAir(const QByteArray &mount) const;
