@@ -1,5 +1,5 @@
-# Sourced by ./bench/run and ./bench/soak: a display, a sound server with a null sink and a radio of our own, and the programs that are
-# measured there. What they say is kept in build/bench/.
+# Sourced by ./bench/run and ./bench/soak: a display, a sound server with a null sink and a radio of our own, and the
+# programs that are measured there. What they say is kept in build/bench/.
 
 bin=build/release/bin
 stage=build/bench

@@ -6,6 +6,7 @@ import plistlib
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 PROGRAM = sys.argv[1]
@@ -90,3 +91,25 @@ class ProgramTest(unittest.TestCase):
         self.addCleanup(server.wait)
         self.addCleanup(server.kill)
         return server, {"QT_QPA_PLATFORM": "xcb", "DISPLAY": ":" + server.stdout.readline().strip()}
+
+    def start_tool(self, *command):
+        """Starts a program that says one line when it is ready; returns that line."""
+        tool = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.addCleanup(tool.stdout.close)
+        self.addCleanup(tool.wait)
+        self.addCleanup(tool.kill)
+        return tool.stdout.readline().strip()
+
+    def xdotool(self, display, *words):
+        return subprocess.run(["xdotool", *words], env={"DISPLAY": display, "PATH": "/usr/bin"}, text=True, check=False,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout.split()
+
+    def visible(self, display):
+        """The windows of the program that can be seen."""
+        return self.xdotool(display, "search", "--onlyvisible", "--name", "^Plumtide$")
+
+    def wait_until(self, condition):
+        deadline = time.monotonic() + 20
+        while not condition():
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.02)

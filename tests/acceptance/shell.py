@@ -4,9 +4,7 @@ import json
 import pathlib
 import signal
 import socket
-import subprocess
 import sys
-import time
 import unittest
 
 from program import NOT_SAVED, SAVED, ProgramTest, archive, records
@@ -15,33 +13,12 @@ LOCALRADIO = sys.argv[2]
 
 
 class Shell(ProgramTest):
-    def start_tool(self, *command):
-        """Starts a program that says one line when it is ready; returns that line."""
-        tool = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.addCleanup(tool.stdout.close)
-        self.addCleanup(tool.wait)
-        self.addCleanup(tool.kill)
-        return tool.stdout.readline().strip()
-
     def start_bus(self):
         address = self.start_tool("dbus-daemon", "--session", "--nofork", "--print-address")
         return {"DBUS_SESSION_BUS_ADDRESS": address}
 
-    def visible(self, display):
-        """The windows of the program that can be seen."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Plumtide$"], text=True,
-                               env={"DISPLAY": display, "PATH": "/usr/bin"}, stdout=subprocess.PIPE, check=False)
-        return found.stdout.split()
-
     def press(self, display, *keys):
-        subprocess.run(["xdotool", "windowfocus", "--sync", *self.visible(display)[:1], "key", "--delay", "50", *keys],
-                       env={"DISPLAY": display, "PATH": "/usr/bin"}, check=False, stderr=subprocess.DEVNULL)
-
-    def wait_until(self, condition):
-        deadline = time.monotonic() + 20
-        while not condition():
-            self.assertLess(time.monotonic(), deadline)
-            time.sleep(0.02)
+        self.xdotool(display, "windowfocus", "--sync", *self.visible(display)[:1], "key", "--delay", "50", *keys)
 
     def end(self, process, *lines):
         """What it says at its end must be among its last words."""

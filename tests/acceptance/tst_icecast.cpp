@@ -89,14 +89,9 @@ void TestIcecast::privateMountsAskForAPassword()
     QFETCH(QString, password);
     Stage stage(directory_.address());
     stage.settings.setValue("timeout_value", 5);
-    const auto station = std::make_shared<RadioModel>();
-    station->setUrl(u"http://127.0.0.1"_s);
-    station->setPort(QString::number(QUrl(QString::fromLatin1(icecast_.address("/"))).port()));
-    station->setMountpoint(QString::fromLatin1(Icecast::privateMount));
-    station->setUsername(QString::fromLatin1(Icecast::user));
-    station->setPassword(password);
-    station->setRadioIsPrivate(true);
-    stage.window.player().streamPlayback().playRadioCustomWithObject(station);
+    stage.play(privateStation(QUrl(QString::fromLatin1(icecast_.address("/"))),
+                              QString::fromLatin1(Icecast::privateMount), QString::fromLatin1(Icecast::user),
+                              password));
     QFETCH(QStringList, statuses);
     QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, statuses, Stage::soundTime);
 }

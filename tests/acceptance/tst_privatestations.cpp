@@ -60,16 +60,15 @@ void TestPrivateStations::initTestCase()
 void TestPrivateStations::play(const ScriptedServer &server, const QString &path, int timeout, bool isPrivate,
                                const QString &username)
 {
-    station_ = std::make_shared<RadioModel>();
-    station_->setUrl(isPrivate ? u"http://127.0.0.1"_s : server.address(path + u'?'));
-    station_->setPort(QString::number(server.serverPort()));
-    station_->setMountpoint(isPrivate ? path : QVariant());
-    station_->setUsername(username);
-    station_->setPassword(username.isNull() ? QVariant() : u"pass"_s);
-    station_->setRadioIsPrivate(isPrivate);
+    station_ =
+        privateStation(QUrl(server.address()), path, username, username.isNull() ? QVariant() : u"pass"_s);
+    if (!isPrivate) {
+        station_->setUrl(server.address(path + u'?'));
+        station_->setMountpoint(QVariant());
+        station_->setRadioIsPrivate(false);
+    }
     stage_->settings.setValue("timeout_value", timeout);
-    stage_->statuses.clear();
-    stage_->window.player().streamPlayback().playRadioCustomWithObject(station_);
+    stage_->play(station_);
 }
 
 void TestPrivateStations::requestsCarryHeaders_data()
@@ -149,24 +148,17 @@ void TestPrivateStations::certificatesAreVerified()
 {
     const EncryptedServer server(burst_, EncryptedServer::After::StayOpen);
     QVERIFY(server.isReady());
-    const QString address = u"https://localhost:%1/sound"_s.arg(server.serverPort());
+    const QUrl address(u"https://localhost:%1/sound"_s.arg(server.serverPort()));
     stage_->settings.setValue("timeout_value", usualTimeout);
-    directory_.leadTo({address.toLatin1()});
+    directory_.leadTo({address.toEncoded()});
     stage_->doubleClick(0);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     QVERIFY(server.requests().startsWith("GET /sound "));
     const qsizetype before = server.requests().size();
 
-    station_ = std::make_shared<RadioModel>();
+    station_ = privateStation(address, u"/sound"_s, u"user"_s, u"pass"_s);
     station_->setRadioscheme(u"https"_s);
-    station_->setUrl(u"https://localhost"_s);
-    station_->setPort(QString::number(server.serverPort()));
-    station_->setMountpoint(u"/sound"_s);
-    station_->setUsername(u"user"_s);
-    station_->setPassword(u"pass"_s);
-    station_->setRadioIsPrivate(true);
-    stage_->statuses.clear();
-    stage_->window.player().streamPlayback().playRadioCustomWithObject(station_);
+    stage_->play(station_);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
     QCOMPARE(server.requests().size(), before);
 }

@@ -82,12 +82,8 @@ class SlowDirectory:
 class Quit(ProgramTest):
     def start_radio(self):
         self.log = pathlib.Path(self.home.name, "requests")
-        radio = subprocess.Popen([LOCALRADIO, "--port", "0", "--log", str(self.log)], stdout=subprocess.PIPE,
-                                 stderr=subprocess.DEVNULL, text=True)
-        self.addCleanup(radio.stdout.close)
-        self.addCleanup(radio.wait)
-        self.addCleanup(radio.kill)
-        return radio.stdout.readline().split()[-1].rstrip("/")
+        ready = self.start_tool(LOCALRADIO, "--port", "0", "--log", str(self.log))
+        return ready.split()[-1].rstrip("/")
 
     def swallowing(self):
         """A port whose queue is full: the system drops whatever asks for one more."""
@@ -101,19 +97,6 @@ class Quit(ProgramTest):
             self.addCleanup(client.close)
         self.addCleanup(listener.close)
         return f"http://127.0.0.1:{listener.getsockname()[1]}/x"
-
-    def xdotool(self, display, *words):
-        return subprocess.run(["xdotool", *words], env={"DISPLAY": display, "PATH": "/usr/bin"}, text=True, check=False,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout.split()
-
-    def visible(self, display):
-        return self.xdotool(display, "search", "--onlyvisible", "--name", "^Plumtide$")
-
-    def wait_until(self, condition):
-        deadline = time.monotonic() + 20
-        while not condition():
-            self.assertLess(time.monotonic(), deadline)
-            time.sleep(0.02)
 
     def test_quit(self):
         radio = self.start_radio()

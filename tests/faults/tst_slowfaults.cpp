@@ -1,13 +1,10 @@
 #include "app/allocator.h"
 #include "faults/directorystage.h"
 #include "faults/faultwatch.h"
+#include "faults/fullport.h"
 #include "support/localradio.h"
 
-#include <array>
 #include <memory>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -15,44 +12,6 @@ using namespace Qt::StringLiterals;
 namespace {
 /// Of one request in all, in milliseconds, and room beyond.
 constexpr int deadline = 75'000;
-
-/// A port that takes no connections and refuses none: its queue is full, and what else is sent there is
-/// dropped.
-class Swallowing
-{
-public:
-    Swallowing()
-    {
-        for (int &socket : sockets_) {
-            socket = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-        }
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof(address);
-        auto *const name = reinterpret_cast<sockaddr *>(&address);
-        ::bind(sockets_.front(), name, size);
-        ::listen(sockets_.front(), 0);
-        ::getsockname(sockets_.front(), name, &size);
-        port_ = ntohs(address.sin_port);
-        for (std::size_t waiting = 1; waiting < sockets_.size(); ++waiting) {
-            ::connect(sockets_[waiting], name, size);
-        }
-    }
-    ~Swallowing()
-    {
-        for (const int socket : sockets_) {
-            ::close(socket);
-        }
-    }
-    Q_DISABLE_COPY_MOVE(Swallowing)
-
-    quint16 port() const { return port_; }
-
-private:
-    std::array<int, 5> sockets_; // the first one listens
-    quint16 port_ = 0;
-};
 } // namespace
 
 /// Directories that keep a request waiting until its deadline, all at the same time.
@@ -85,7 +44,8 @@ void TestSlowFaults::faultsEndAtTheDeadline()
     returnFreedMemory(); // as in the program
     const LocalRadio radio({u"--faults"_s});
     QVERIFY(radio.isRunning());
-    const Swallowing swallowing;
+    const FullPort swallowing;
+    QVERIFY(swallowing.isFull());
     const QStringList faults{u"silent"_s, u"header-drip"_s, u"body-drip"_s,
                              u"redirect=http://127.0.0.1:%1/"_s.arg(swallowing.port())};
     std::vector<std::unique_ptr<DirectoryStage>> stages;

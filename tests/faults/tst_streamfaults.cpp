@@ -1,4 +1,5 @@
 #include "faults/faultwatch.h"
+#include "faults/fullport.h"
 #include "support/localradio.h"
 #include "support/stage.h"
 
@@ -9,11 +10,8 @@
 #include <QTest>
 #include <QUrl>
 #include <array>
-#include <cerrno>
 #include <memory>
-#include <netinet/in.h>
 #include <sys/inotify.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -71,42 +69,6 @@ private:
     QTemporaryDir folder_;
     int watch_ = -1;
     bool watching_ = false;
-};
-
-/// A port whose queue of connections is full: the system drops whatever asks for one more.
-class FullPort
-{
-public:
-    FullPort()
-    {
-        sockaddr_in address{};
-        socklen_t size = sizeof(address);
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        auto *where = reinterpret_cast<sockaddr *>(&address);
-        isFull_ = ::bind(sockets_[0], where, size) == 0 && ::listen(sockets_[0], 0) == 0 &&
-                  ::getsockname(sockets_[0], where, &size) == 0;
-        port_ = ntohs(address.sin_port);
-        // One is let in beyond a queue of none; the second is on its way for ever.
-        isFull_ = isFull_ && ::connect(sockets_[1], where, size) == 0 &&
-                  ::connect(sockets_[2], where, size) != 0 && errno == EINPROGRESS;
-    }
-    ~FullPort()
-    {
-        for (const int socket : sockets_) {
-            ::close(socket);
-        }
-    }
-    Q_DISABLE_COPY_MOVE(FullPort)
-
-    bool isFull() const { return isFull_; }
-    QByteArray address() const { return "http://127.0.0.1:" + QByteArray::number(port_) + "/x"; }
-
-private:
-    std::array<int, 3> sockets_{::socket(AF_INET, SOCK_STREAM, 0), ::socket(AF_INET, SOCK_STREAM, 0),
-                                ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0)};
-    quint16 port_ = 0;
-    bool isFull_ = false;
 };
 } // namespace
 
@@ -187,7 +149,7 @@ QByteArray TestStreamFaults::inFull(QByteArray text) const
         .replace("RADIO", radio_.address().toLatin1())
         .replace("SECOND", radio_.secondAddress().toLatin1())
         .replace("SILENT", directory_.address(u"/silent"_s).toLatin1())
-        .replace("SWALLOWED", full_.address())
+        .replace("SWALLOWED", "http://127.0.0.1:" + QByteArray::number(full_.port()) + "/x")
         .replace("SOUND", QFile::encodeName(sound_->name()));
 }
 
@@ -398,19 +360,12 @@ void TestStreamFaults::longPlaylistsEnd()
 /// Its own server sends the station to another port, where it would play with the credentials.
 void TestStreamFaults::credentialsStayAtHome()
 {
-    const auto station = std::make_shared<RadioModel>();
     const QUrl stream(radio_.stream(0));
-    station->setUrl(u"http://127.0.0.1"_s);
-    station->setPort(QString::number(stream.port()));
-    station->setMountpoint(stream.path().replace("/stream/"_L1, "/private/"_L1) + u";?redirect=port"_s);
-    station->setUsername(u"user"_s);
-    station->setPassword(u"pass"_s);
-    station->setRadioIsPrivate(true);
+    const QString mountpoint = stream.path().replace("/stream/"_L1, "/private/"_L1) + u";?redirect=port"_s;
     const qsizetype before = radio_.logged(u"request"_s).size();
     stage_->settings.setValue("timeout_value", failureTime);
-    stage_->statuses.clear();
     watch_.start();
-    stage_->window.player().streamPlayback().playRadioCustomWithObject(station);
+    stage_->play(privateStation(stream, mountpoint, u"user"_s, u"pass"_s));
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
     int atHome = 0;
     int elsewhere = 0;
@@ -437,6 +392,7 @@ void TestStreamFaults::shortAnswersFail()
     server.script("/short", answer);
     play(server.address(u"/short"_s).toLatin1(), failureTime);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
+    QVERIFY(server.requests().size() > 1);
     QTRY_COMPARE(server.openConnections(), 0);
 }
 

@@ -65,6 +65,25 @@ void Stage::doubleClick(int row)
     QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {}, position);
 }
 
+void Stage::play(const StationRecord &station)
+{
+    statuses.clear();
+    window.player().streamPlayback().playRadioCustomWithObject(station);
+}
+
+StationRecord privateStation(const QUrl &server, const QString &mountpoint, const QVariant &username,
+                             const QVariant &password)
+{
+    auto station = std::make_shared<RadioModel>();
+    station->setUrl(QString(server.scheme() + u"://"_s + server.host()));
+    station->setPort(QString::number(server.port()));
+    station->setMountpoint(mountpoint);
+    station->setUsername(username);
+    station->setPassword(password);
+    station->setRadioIsPrivate(true);
+    return station;
+}
+
 OneStationDirectory::OneStationDirectory()
 {
     scriptBody("/legacy/Top500/", "<l><tunein base='/tune'/><station name='station' id='1'/></l>");

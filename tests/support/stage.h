@@ -8,6 +8,8 @@
 
 #include <QSettings>
 #include <QStringList>
+#include <QUrl>
+#include <QVariant>
 
 class RVTableView;
 
@@ -36,6 +38,8 @@ public:
     void click(const QString &button);
     /// Forgets the status texts so far and plays the station in that row, once there is one.
     void doubleClick(int row);
+    /// The same with a station of the user's own.
+    void play(const StationRecord &station);
 
     MpvBackend backend;
     QSettings settings;
@@ -44,6 +48,11 @@ public:
     /// The status texts since the last double click; one that is repeated stands here once.
     QStringList statuses;
 };
+
+/// A private station at `mountpoint` of the server whose host and port are those of `server`. The scheme that
+/// it names is none, which stands for http.
+StationRecord privateStation(const QUrl &server, const QString &mountpoint, const QVariant &username,
+                             const QVariant &password);
 
 /// A directory of one station.
 class OneStationDirectory : public ScriptedServer
