@@ -1,12 +1,11 @@
 #include "directory/jsonfecther.h"
 
-#include "directory/base64.h"
+#include "directory/basicauthorization.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QUtf8StringView>
-#include <algorithm>
 
 namespace {
 /// Bytes of a JSON text whose root may be any value: QJsonDocument writes objects and lists only, so that the
@@ -46,10 +45,7 @@ std::shared_ptr<JSonFecther> JSonFecther::initWithUsernamePassword(const QString
 
 QString JSonFecther::standardBasicAuthWithUsername(const QString &username, const QString &password)
 {
-    const QString credentials = username + QLatin1Char(':') + password;
-    const bool ascii =
-        std::all_of(credentials.begin(), credentials.end(), [](QChar c) { return c.unicode() < 128; });
-    return QLatin1StringView("Basic ") + (ascii ? Base64::encode(credentials.toLatin1()) : QString());
+    return basicAuthorization(username, password);
 }
 
 void JSonFecther::asynchRequest(const QUrl &url, const QString &method, const std::optional<QJsonValue> &body,

@@ -28,9 +28,7 @@ public:
     static std::shared_ptr<JSonFecther> initWithUsernamePassword(const QString &username,
                                                                  const QString &password);
 
-    /// The value of an HTTP Authorization header of the Basic scheme (RFC 7617) for the two. Where either has
-    /// a character outside ASCII the result is "Basic " with nothing behind it: nothing is sent in a
-    /// spelling that the server might take for another.
+    /// The value of the Authorization header that the two make; see basicAuthorization().
     static QString standardBasicAuthWithUsername(const QString &username, const QString &password);
 
     /// Starts the request and returns at once. A null `method` means GET. `body` goes out as JSON, and only

@@ -1,7 +1,7 @@
 #include "model/rvobject.h"
 
+#include "directory/basicauthorization.h"
 #include "directory/exception.h"
-#include "directory/jsonfecther.h"
 #include "directory/leadinginteger.h"
 
 #include <QDateTime>
@@ -33,7 +33,7 @@ QString RVObject::airAPIFormatStyle(const QString &text)
 
 QString RVObject::standardBasicAuthWithUsername(const QString &username, const QString &password)
 {
-    return JSonFecther::standardBasicAuthWithUsername(username, password);
+    return basicAuthorization(username, password);
 }
 
 double RVObject::rtoToTime(const QVariant &stored)

@@ -16,8 +16,7 @@ public:
     /// A text as the directory wants it in a query: each blank (U+0020) becomes "+", nothing else changes.
     static QString airAPIFormatStyle(const QString &text);
 
-    /// The value of an HTTP Authorization header of the Basic scheme for the two, null texts taken as empty;
-    /// by JSonFecther's rule for what is not ASCII.
+    /// The value of the Authorization header that the two make; see basicAuthorization().
     static QString standardBasicAuthWithUsername(const QString &username, const QString &password);
 
     /// The connection time-out in seconds that a stored value stands for: its integer, 15 for an invalid
