@@ -1,13 +1,13 @@
-#include "localradio/builtincatalogue.h"
-#include "localradio/byteloop.h"
-#include "localradio/directoryservice.h"
-#include "localradio/httpserver.h"
-#include "localradio/icyweaver.h"
-#include "localradio/jsoncatalogue.h"
-#include "localradio/loops.h"
-#include "localradio/oggloop.h"
-#include "localradio/streammounts.h"
-#include "localradio/streamoutlet.h"
+#include "localradio/catalogue/builtincatalogue.h"
+#include "localradio/catalogue/jsoncatalogue.h"
+#include "localradio/http/httpserver.h"
+#include "localradio/http/streamoutlet.h"
+#include "localradio/services/directoryservice.h"
+#include "localradio/services/streammounts.h"
+#include "localradio/sound/byteloop.h"
+#include "localradio/sound/icyweaver.h"
+#include "localradio/sound/loops.h"
+#include "localradio/sound/oggloop.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,0 +1,164 @@
+#include "localradio/http/httpconnection.h"
+
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace localradio {
+
+namespace {
+
+// Left alone, the system takes minutes of audio for a client that has stopped reading.
+constexpr int systemBufferSize = 128 * 1024;
+
+constexpr auto headDeadline = 10s;
+constexpr auto sendDeadline = 30s; // without a byte taken by the client
+constexpr auto closeDeadline = 2s; // for the client to close its side
+constexpr auto resetPoll = 5ms;
+
+} // namespace
+
+HttpConnection::HttpConnection(QTcpSocket *socket, QObject *parent)
+    : QObject(parent)
+    , socket_(socket)
+    , port_(socket->localPort())
+{
+    socket_->setParent(this);
+    socket_->setReadBufferSize(maxHeadSize);
+    socket_->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, systemBufferSize);
+    deadline_.setSingleShot(true);
+    connect(socket_, &QTcpSocket::readyRead, this, &HttpConnection::readHead);
+    connect(socket_, &QTcpSocket::bytesWritten, this, &HttpConnection::onBytesWritten);
+    connect(socket_, &QTcpSocket::disconnected, this, [this] {
+        Q_EMIT closed();
+        state_ = State::Closing;
+        deleteLater();
+    });
+    connect(&deadline_, &QTimer::timeout, this, &HttpConnection::onDeadline);
+    deadline_.start(headDeadline);
+}
+
+void HttpConnection::readHead()
+{
+    const QByteArray bytes = socket_->readAll();
+    if (state_ != State::ReadingHead) {
+        return; // nothing more is wanted from this client
+    }
+    head_ += bytes;
+    const qsizetype crlf = head_.indexOf("\r\n\r\n");
+    const qsizetype lf = head_.indexOf("\n\n");
+    const qsizetype end = crlf < 0 || (lf >= 0 && lf < crlf) ? lf : crlf;
+    if (end > maxHeadSize || (end < 0 && head_.size() > maxHeadSize)) {
+        answer(Answer::plain(431));
+        return;
+    }
+    if (end < 0) {
+        return;
+    }
+    const auto request = HttpRequest::parse(head_.first(end));
+    head_.clear();
+    state_ = State::Waiting;
+    if (!request) {
+        answer(Answer::plain(400));
+        return;
+    }
+    request_ = *request;
+    deadline_.start(sendDeadline);
+    Q_EMIT requestReceived();
+}
+
+void HttpConnection::answer(const Answer &answer)
+{
+    socket_->write(request_.method == "HEAD" ? answer.head() : answer.head() + answer.body);
+    Q_EMIT answered(answer.status);
+    closeWhenSent();
+}
+
+void HttpConnection::beginStream(int status, const QByteArray &head)
+{
+    socket_->write(head);
+    Q_EMIT answered(status);
+    if (request_.method == "HEAD") {
+        closeWhenSent();
+        return;
+    }
+    state_ = State::Streaming;
+    streamed_ = true;
+    deadline_.start(sendDeadline);
+}
+
+void HttpConnection::send(const QByteArray &bytes)
+{
+    if (state_ == State::Streaming) {
+        socket_->write(bytes);
+    }
+}
+
+void HttpConnection::closeWhenSent()
+{
+    state_ = State::Closing;
+    deadline_.start(sendDeadline);
+    shutWhenSent();
+}
+
+void HttpConnection::resetWhenSent()
+{
+    state_ = State::Resetting;
+    deadline_.start(sendDeadline);
+    resetWhenReceived();
+}
+
+void HttpConnection::reset()
+{
+    const linger atOnce{1, 0};
+    ::setsockopt(static_cast<int>(socket_->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
+                 sizeof(atOnce));
+    socket_->abort();
+}
+
+/// Closing at once would make the system reset the connection when the client has sent more than was read,
+/// and a reset can overtake the answer: so only the sending side is shut, and the client closes.
+void HttpConnection::shutWhenSent()
+{
+    if (socket_->bytesToWrite() == 0) {
+        ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
+        deadline_.start(closeDeadline);
+    }
+}
+
+/// A reset throws away what the client's system has not acknowledged, and nothing reports that it has.
+void HttpConnection::resetWhenReceived()
+{
+    int unacknowledged = 0;
+    ::ioctl(static_cast<int>(socket_->socketDescriptor()), SIOCOUTQ, &unacknowledged);
+    if (socket_->bytesToWrite() == 0 && unacknowledged == 0) {
+        reset();
+    } else {
+        QTimer::singleShot(resetPoll, this, &HttpConnection::resetWhenReceived);
+    }
+}
+
+void HttpConnection::onBytesWritten(qint64 bytes)
+{
+    sent_ += bytes;
+    deadline_.start(sendDeadline);
+    if (state_ == State::Closing) {
+        shutWhenSent();
+    }
+    Q_EMIT bytesTaken();
+}
+
+void HttpConnection::onDeadline()
+{
+    if (state_ == State::Streaming && socket_->bytesToWrite() == 0) {
+        deadline_.start(sendDeadline); // a stream with nothing to say; the client is not at fault
+        return;
+    }
+    socket_->abort();
+}
+
+} // namespace localradio

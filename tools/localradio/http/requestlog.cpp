@@ -1,0 +1,59 @@
+#include "localradio/http/requestlog.h"
+
+#include "localradio/http/httpconnection.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <unistd.h>
+
+namespace localradio {
+
+bool RequestLog::open(const QString &fileName)
+{
+    if (fileName == u"-") {
+        return file_.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
+    }
+    file_.setFileName(fileName);
+    return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+}
+
+void RequestLog::follow(HttpConnection &connection)
+{
+    // The connection is the context object: once it is gone, nothing is left to log.
+    const qint64 number = ++followed_;
+    const auto writeFor = [this, &connection, number](const char *event, QJsonObject object) {
+        object[QStringLiteral("connection")] = number;
+        write(event, connection.port(), object);
+    };
+    QObject::connect(&connection, &HttpConnection::requestReceived, &connection, [writeFor, &connection] {
+        const HttpRequest &request = connection.request();
+        QJsonArray headers;
+        for (const auto &[name, value] : request.headers) {
+            headers.append(QJsonArray{QString::fromLatin1(name), QString::fromLatin1(value)});
+        }
+        writeFor("request", {{QStringLiteral("method"), QString::fromLatin1(request.method)},
+                             {QStringLiteral("target"), QString::fromLatin1(request.target)},
+                             {QStringLiteral("headers"), headers}});
+    });
+    QObject::connect(&connection, &HttpConnection::answered, &connection, [writeFor](int status) {
+        writeFor("answer", {{QStringLiteral("status"), status}});
+    });
+    QObject::connect(&connection, &HttpConnection::closed, &connection, [writeFor, &connection] {
+        if (connection.hasStreamed()) {
+            writeFor("closed", {{QStringLiteral("target"), QString::fromLatin1(connection.request().target)},
+                                {QStringLiteral("bytes"), connection.sentBytes()}});
+        }
+    });
+}
+
+void RequestLog::write(const char *event, quint16 port, QJsonObject object)
+{
+    object[QStringLiteral("event")] = QLatin1StringView(event);
+    object[QStringLiteral("port")] = port;
+    object[QStringLiteral("time_ms")] = QDateTime::currentMSecsSinceEpoch();
+    file_.write(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+}
+
+} // namespace localradio

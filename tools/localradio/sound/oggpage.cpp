@@ -1,0 +1,102 @@
+#include "localradio/sound/oggpage.h"
+
+#include <QtEndian>
+
+#include <array>
+
+namespace localradio {
+
+namespace {
+
+// Offsets in the header of a page (RFC 3533, section 6).
+constexpr qsizetype flagsAt = 5;
+constexpr qsizetype granuleAt = 6;
+constexpr qsizetype sequenceAt = 18;
+constexpr qsizetype checksumAt = 22;
+constexpr qsizetype segmentCountAt = 26;
+constexpr qsizetype segmentsAt = 27;
+
+constexpr std::array<quint32, 256> makeChecksumTable()
+{
+    std::array<quint32, 256> table{};
+    for (quint32 i = 0; i < table.size(); ++i) {
+        quint32 value = i << 24;
+        for (int bit = 0; bit < 8; ++bit) {
+            value = (value << 1) ^ ((value & 0x80000000U) != 0 ? 0x04c11db7U : 0U);
+        }
+        table[i] = value;
+    }
+    return table;
+}
+
+} // namespace
+
+OggPage::OggPage(const QByteArray &data, qsizetype offset)
+{
+    const QByteArrayView rest = QByteArrayView(data).sliced(std::clamp<qsizetype>(offset, 0, data.size()));
+    if (rest.size() < segmentsAt || !rest.startsWith("OggS")) {
+        return;
+    }
+    const auto segments = static_cast<unsigned char>(rest[segmentCountAt]);
+    qsizetype size = segmentsAt + segments;
+    if (rest.size() < size) {
+        return;
+    }
+    for (const char segment : rest.sliced(segmentsAt, segments)) {
+        size += static_cast<unsigned char>(segment);
+    }
+    if (rest.size() >= size) {
+        bytes_ = rest.first(size).toByteArray();
+    }
+}
+
+std::vector<OggPage> OggPage::pagesOf(const QByteArray &data)
+{
+    std::vector<OggPage> pages;
+    qsizetype at = 0;
+    for (OggPage page(data, at); page.isValid(); page = OggPage(data, at)) {
+        at += page.size();
+        pages.push_back(page);
+    }
+    return pages;
+}
+
+bool OggPage::isContinued() const
+{
+    return isValid() && (static_cast<unsigned char>(bytes_[flagsAt]) & 0x01U) != 0;
+}
+
+qint64 OggPage::granulePosition() const
+{
+    return isValid() ? qFromLittleEndian<qint64>(bytes_.constData() + granuleAt) : 0;
+}
+
+void OggPage::setGranulePosition(qint64 position)
+{
+    if (isValid()) {
+        qToLittleEndian(position, bytes_.data() + granuleAt);
+    }
+}
+
+void OggPage::setSequenceNumber(quint32 number)
+{
+    if (isValid()) {
+        qToLittleEndian(number, bytes_.data() + sequenceAt);
+    }
+}
+
+void OggPage::updateChecksum()
+{
+    if (!isValid()) {
+        return;
+    }
+    static constexpr auto table = makeChecksumTable();
+    qToLittleEndian<quint32>(0, bytes_.data() + checksumAt);
+    quint32 checksum = 0;
+    for (const char byte : std::as_const(bytes_)) {
+        checksum = (checksum << 8) ^ table[(checksum >> 24) ^ static_cast<unsigned char>(byte)];
+    }
+    qToLittleEndian(checksum, bytes_.data() + checksumAt);
+}
+
+} // namespace localradio
