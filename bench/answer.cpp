@@ -1,9 +1,9 @@
 // From a directory answer to a painted table, beside what expat alone needs for as many passes over the same
 // bytes.
 
-#include "mainwindow/stationtable.h"
 #include "medianmilliseconds.h"
-#include "ui/rvtableview.h"
+#include "ui/table/rvtableview.h"
+#include "ui/table/stationtable.h"
 
 #include <QApplication>
 #include <cstdio>

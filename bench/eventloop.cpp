@@ -8,8 +8,8 @@
 #include "readenvironment.h"
 #include "settings/statefile.h"
 #include "support/gapwatch.h"
-#include "ui/look.h"
-#include "ui/rvtableview.h"
+#include "ui/table/rvtableview.h"
+#include "ui/widgets/look.h"
 
 #include <QApplication>
 #include <QDir>

@@ -6,7 +6,7 @@
 #include "playback/mpv/mpvbackend.h"
 #include "readenvironment.h"
 #include "settings/statefile.h"
-#include "ui/look.h"
+#include "ui/widgets/look.h"
 
 #include <QApplication>
 #include <QMainWindow>

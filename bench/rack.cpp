@@ -1,13 +1,13 @@
 // The favourites rack with few and with many stations: reading and saving its file, the latter beside what
 // the disk alone needs for as many bytes, and what the tiles cost.
 
+#include "base/rvobject.h"
+#include "favourites/archive/favouritesstore.h"
+#include "favourites/favouritesrack.h"
+#include "favourites/valuetransformers.h"
 #include "medianmilliseconds.h"
-#include "model/favouritesrack.h"
-#include "model/favouritesstore.h"
-#include "model/rvobject.h"
-#include "model/valuetransformers.h"
-#include "ui/look.h"
-#include "ui/rackview.h"
+#include "ui/rack/rackview.h"
+#include "ui/widgets/look.h"
 
 #include <QApplication>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/remotecommand.h"
+#include "desktop/remotecommand.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,7 +1,7 @@
 #include "app/environment.h"
 
-#include "directory/address.h"
-#include "directory/displaytext.h"
+#include "base/displaytext.h"
+#include "http/address.h"
 
 #include <optional>
 #include <tuple>

@@ -1,6 +1,6 @@
 #include "directory/stationentry.h"
 
-#include "directory/leadinginteger.h"
+#include "base/leadinginteger.h"
 
 #include <QDataStream>
 

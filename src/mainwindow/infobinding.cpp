@@ -1,8 +1,8 @@
 #include "mainwindow/infobinding.h"
 
-#include "directory/displaytext.h"
+#include "base/displaytext.h"
 #include "playback/heardstream.h"
-#include "ui/infoview.h"
+#include "ui/panels/infoview.h"
 
 #include <chrono>
 

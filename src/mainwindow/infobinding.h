@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/titlehistory.h"
+#include "session/titlehistory.h"
 
 #include <QDeadlineTimer>
 #include <QObject>

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "directory/stationdirectory.h"
+#include "directory/keyed/stationdirectory.h"
+#include "favourites/archive/favouritesstore.h"
+#include "favourites/favouritesrack.h"
+#include "favourites/valuetransformers.h"
 #include "mainwindow/rackactions.h"
-#include "mainwindow/stationtable.h"
-#include "model/favouritesrack.h"
-#include "model/favouritesstore.h"
-#include "model/valuetransformers.h"
 #include "playback/streamplayback.h"
 #include "settings/storedsettings.h"
-#include "ui/genreobject.h"
-#include "ui/vaddrecord.h"
+#include "ui/genres/genreobject.h"
+#include "ui/stationform/vaddrecord.h"
+#include "ui/table/stationtable.h"
 
 #include <QObject>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "mainwindow/rackactions.h"
 
-#include "directory/exception.h"
-#include "mainwindow/dragpayload.h"
-#include "ui/rackitem.h"
-#include "ui/stationpopover.h"
+#include "base/exception.h"
+#include "ui/drag/dragpayload.h"
+#include "ui/rack/rackitem.h"
+#include "ui/rack/stationpopover.h"
 
 #include <QAbstractButton>
 #include <QLoggingCategory>

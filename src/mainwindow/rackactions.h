@@ -1,8 +1,8 @@
 #pragma once
 
 #include "directory/stationentry.h"
-#include "model/favouritesrack.h"
-#include "ui/rackview.h"
+#include "favourites/favouritesrack.h"
+#include "ui/rack/rackview.h"
 
 #include <QObject>
 #include <array>

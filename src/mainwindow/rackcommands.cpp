@@ -1,9 +1,9 @@
 #include "mainwindow/rackcommands.h"
 
 #include "mainwindow/rackactions.h"
-#include "ui/copytext.h"
-#include "ui/rackitem.h"
-#include "ui/rackview.h"
+#include "ui/rack/rackitem.h"
+#include "ui/rack/rackview.h"
+#include "ui/widgets/copytext.h"
 #include "ui_mainwindow.h"
 
 #include <QMenu>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/favouritesrack.h"
+#include "favourites/favouritesrack.h"
 
 #include <QObject>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "mainwindow/soundbinding.h"
 
 #include "playback/backend.h"
-#include "ui/audiopopover.h"
+#include "ui/panels/audiopopover.h"
 
 #include <QAction>
 #include <QWheelEvent>

@@ -1,9 +1,9 @@
 #include "mainwindow/tablecommands.h"
 
 #include "mainwindow/rackactions.h"
-#include "mainwindow/stationtable.h"
-#include "ui/copytext.h"
-#include "ui/rackview.h"
+#include "ui/rack/rackview.h"
+#include "ui/table/stationtable.h"
+#include "ui/widgets/copytext.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>

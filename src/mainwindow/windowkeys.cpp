@@ -1,6 +1,6 @@
 #include "mainwindow/windowkeys.h"
 
-#include "ui/shortcutswindow.h"
+#include "ui/panels/shortcutswindow.h"
 #include "ui_mainwindow.h"
 
 #include <QApplication>

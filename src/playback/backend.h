@@ -1,9 +1,9 @@
 #pragma once
 
-#include "directory/httpexchange.h"
-#include "model/soundsettings.h"
+#include "http/httpexchange.h"
 #include "playback/heardstream.h"
 #include "playback/observable.h"
+#include "playback/soundsettings.h"
 
 #include <QUrl>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "playback/playlist.h"
 
-#include "directory/address.h"
-#include "directory/leadinginteger.h"
+#include "base/leadinginteger.h"
+#include "http/address.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,10 +1,10 @@
 #include "playback/privatestream.h"
 
-#include "directory/address.h"
-#include "directory/leadinginteger.h"
-#include "model/radiomodel.h"
-#include "model/rvobject.h"
-#include "model/useragents.h"
+#include "base/leadinginteger.h"
+#include "base/rvobject.h"
+#include "favourites/radiomodel.h"
+#include "http/address.h"
+#include "playback/useragents.h"
 
 namespace {
 constexpr qint64 highestPort = 65535;

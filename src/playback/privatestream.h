@@ -1,6 +1,6 @@
 #pragma once
 
-#include "directory/httpexchange.h"
+#include "http/httpexchange.h"
 
 #include <QUrl>
 #include <QVariant>

@@ -1,7 +1,7 @@
 #include "playback/streamplayback.h"
 
-#include "directory/address.h"
-#include "model/rvobject.h"
+#include "base/rvobject.h"
+#include "http/address.h"
 #include "playback/keypath.h"
 #include "playback/privatestream.h"
 

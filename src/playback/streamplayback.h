@@ -1,7 +1,7 @@
 #pragma once
 
-#include "directory/atomicfield.h"
-#include "model/radiomodel.h"
+#include "base/atomicfield.h"
+#include "favourites/radiomodel.h"
 #include "playback/backend.h"
 
 #include <QObject>

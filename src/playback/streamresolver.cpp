@@ -1,7 +1,7 @@
 #include "playback/streamresolver.h"
 
-#include "directory/address.h"
-#include "directory/httpexchange.h"
+#include "http/address.h"
+#include "http/httpexchange.h"
 #include "playback/playlist.h"
 
 #include <QCoreApplication>

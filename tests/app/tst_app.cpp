@@ -1,7 +1,7 @@
 #include "app/commandline.h"
-#include "app/desktoplook.h"
 #include "app/environment.h"
 #include "app/translations.h"
+#include "desktop/desktoplook.h"
 
 #include <QTest>
 

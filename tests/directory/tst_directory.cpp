@@ -1,9 +1,9 @@
-#include "directory/address.h"
-#include "directory/base64.h"
-#include "directory/displaytext.h"
-#include "directory/jsonfecther.h"
-#include "directory/leadinginteger.h"
-#include "directory/stationdirectory.h"
+#include "base/base64.h"
+#include "base/displaytext.h"
+#include "base/leadinginteger.h"
+#include "directory/keyed/stationdirectory.h"
+#include "http/address.h"
+#include "http/jsonfecther.h"
 #include "support/scriptedserver.h"
 
 #include <QJsonObject>

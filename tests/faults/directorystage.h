@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/stage.h"
-#include "ui/rvtableview.h"
+#include "ui/table/rvtableview.h"
 
 #include <QLineEdit>
 #include <QTest>

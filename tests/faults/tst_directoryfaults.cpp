@@ -1,5 +1,5 @@
 #include "app/allocator.h"
-#include "directory/displaytext.h"
+#include "base/displaytext.h"
 #include "faults/directorystage.h"
 #include "faults/faultwatch.h"
 #include "support/localradio.h"

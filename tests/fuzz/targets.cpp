@@ -1,14 +1,14 @@
 #include "fuzz/targets.h"
 
-#include "directory/address.h"
-#include "directory/base64.h"
-#include "directory/displaytext.h"
-#include "directory/httpanswerparser.h"
-#include "directory/stationdirectory.h"
-#include "mainwindow/dragpayload.h"
-#include "model/keyedarchive.h"
+#include "base/base64.h"
+#include "base/displaytext.h"
+#include "directory/keyed/stationdirectory.h"
+#include "favourites/archive/keyedarchive.h"
+#include "http/address.h"
+#include "http/httpanswerparser.h"
 #include "playback/playlist.h"
 #include "playback/privatestream.h"
+#include "ui/drag/dragpayload.h"
 
 #include <algorithm>
 #include <cstdio>

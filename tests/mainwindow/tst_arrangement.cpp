@@ -1,5 +1,5 @@
 #include "support/windowstage.h"
-#include "ui/look.h"
+#include "ui/widgets/look.h"
 
 #include <QAction>
 #include <QDir>

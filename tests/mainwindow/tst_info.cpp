@@ -1,9 +1,9 @@
-#include "directory/displaytext.h"
+#include "base/displaytext.h"
 #include "mainwindow/mainwindow.h"
 #include "settings/statefile.h"
 #include "support/fakebackend.h"
-#include "ui/historypopover.h"
-#include "ui/rvtableview.h"
+#include "ui/panels/historypopover.h"
+#include "ui/table/rvtableview.h"
 
 #include <QAccessible>
 #include <QAction>

@@ -1,10 +1,10 @@
-#include "directory/exception.h"
+#include "base/exception.h"
 #include "playback/keypath.h"
 #include "support/clickseries.h"
 #include "support/windowstage.h"
-#include "ui/genregrid.h"
-#include "ui/spinner.h"
-#include "ui/tableaccessibility.h"
+#include "ui/genres/genregrid.h"
+#include "ui/table/tableaccessibility.h"
+#include "ui/widgets/spinner.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>

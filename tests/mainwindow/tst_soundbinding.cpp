@@ -2,8 +2,8 @@
 #include "playback/keypath.h"
 #include "settings/statefile.h"
 #include "support/fakebackend.h"
-#include "ui/popover.h"
-#include "ui/rvtableview.h"
+#include "ui/table/rvtableview.h"
+#include "ui/widgets/popover.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,8 +1,8 @@
-#include "directory/address.h"
+#include "directory/keyed/tuneinaddress.h"
+#include "http/address.h"
 #include "playback/keypath.h"
 #include "playback/privatestream.h"
 #include "playback/streamplayback.h"
-#include "playback/tuneinaddress.h"
 #include "support/fakebackend.h"
 
 #include <QElapsedTimer>

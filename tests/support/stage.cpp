@@ -1,6 +1,6 @@
 #include "support/stage.h"
 
-#include "ui/rvtableview.h"
+#include "ui/table/rvtableview.h"
 
 #include <QLabel>
 #include <QTest>

@@ -4,7 +4,7 @@
 #include "settings/statefile.h"
 #include "support/fakebackend.h"
 #include "support/scriptedserver.h"
-#include "ui/rvtableview.h"
+#include "ui/table/rvtableview.h"
 
 #include <QFile>
 #include <QHeaderView>

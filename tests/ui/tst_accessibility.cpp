@@ -1,7 +1,7 @@
-#include "model/valuetransformers.h"
-#include "ui/rackaccessibility.h"
-#include "ui/rackview.h"
-#include "ui/shortcutswindow.h"
+#include "favourites/valuetransformers.h"
+#include "ui/panels/shortcutswindow.h"
+#include "ui/rack/rackaccessibility.h"
+#include "ui/rack/rackview.h"
 
 #include <QAccessible>
 #include <QAction>

@@ -1,11 +1,11 @@
-#include "directory/exception.h"
-#include "model/keyedcoder.h"
+#include "base/exception.h"
+#include "base/keyedcoder.h"
 #include "support/clickseries.h"
-#include "ui/genreaccessibility.h"
-#include "ui/genregrid.h"
-#include "ui/genreobject.h"
-#include "ui/look.h"
-#include "ui/starlevel.h"
+#include "ui/genres/genreaccessibility.h"
+#include "ui/genres/genregrid.h"
+#include "ui/genres/genreobject.h"
+#include "ui/widgets/look.h"
+#include "ui/widgets/starlevel.h"
 
 #include <QAccessible>
 #include <QApplication>

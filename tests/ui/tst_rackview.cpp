@@ -1,6 +1,6 @@
-#include "model/valuetransformers.h"
-#include "ui/rackview.h"
-#include "ui/starlevel.h"
+#include "favourites/valuetransformers.h"
+#include "ui/rack/rackview.h"
+#include "ui/widgets/starlevel.h"
 
 #include <QApplication>
 #include <QDropEvent>

@@ -1,9 +1,9 @@
 #include "support/clickseries.h"
-#include "ui/artworkloader.h"
-#include "ui/look.h"
-#include "ui/rvimageview.h"
-#include "ui/stationpopover.h"
-#include "ui/textimage.h"
+#include "ui/rack/artworkloader.h"
+#include "ui/rack/rvimageview.h"
+#include "ui/rack/stationpopover.h"
+#include "ui/widgets/look.h"
+#include "ui/widgets/textimage.h"
 
 #include <QAbstractButton>
 #include <QApplication>

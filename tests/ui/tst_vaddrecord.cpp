@@ -1,9 +1,9 @@
-#include "ui/addrecordpopover.h"
-#include "ui/audiopopover.h"
-#include "ui/look.h"
-#include "ui/passwordfield.h"
-#include "ui/stationformadvice.h"
-#include "ui/vaddrecord.h"
+#include "ui/panels/audiopopover.h"
+#include "ui/stationform/addrecordpopover.h"
+#include "ui/stationform/passwordfield.h"
+#include "ui/stationform/stationformadvice.h"
+#include "ui/stationform/vaddrecord.h"
+#include "ui/widgets/look.h"
 
 #include <QApplication>
 #include <QCheckBox>

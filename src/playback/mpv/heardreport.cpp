@@ -1,6 +1,6 @@
 #include "playback/mpv/heardreport.h"
 
-#include "directory/leadinginteger.h"
+#include "base/leadinginteger.h"
 #include "playback/mpv/mpvnode.h"
 
 #include <QUtf8StringView>

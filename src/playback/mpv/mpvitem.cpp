@@ -1,6 +1,6 @@
 #include "playback/mpv/mpvitem.h"
 
-#include "directory/address.h"
+#include "http/address.h"
 #include "playback/keypath.h"
 #include "playback/mpv/listenersound.h"
 #include "playback/mpv/mpvnode.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/soundsettings.h"
+#include "playback/soundsettings.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "ui/rack/rackview.h"
+
+#include <QAccessibleWidget>
+#include <array>
+#include <map>
+#include <set>
+#include <vector>
+
+/// A station that is only known, not kept.
+using WeakStation = std::weak_ptr<RadioModel>;
+
+/// A rack as a list. Its children stand for stations, not for places: one that moves keeps its child.
+class RackAccessible final : public QAccessibleWidget
+{
+public:
+    explicit RackAccessible(RackView *rackView)
+        : QAccessibleWidget(rackView, QAccessible::List)
+    {
+    }
+
+    /// Null while the view is being destroyed.
+    RackView *view() const { return qobject_cast<RackView *>(object()); }
+    /// Null where the view has none, or not any more.
+    FavouritesRack *rack() const { return view() != nullptr ? view()->rack() : nullptr; }
+    /// Where the station stands among the children; -1 where it does not.
+    qsizetype placeOf(const WeakStation &station) const;
+    /// Null for a station that is not in the rack.
+    QAccessibleInterface *childOf(const WeakStation &station) const;
+
+    int childCount() const override;
+    QAccessibleInterface *child(int index) const override;
+    int indexOfChild(const QAccessibleInterface *child) const override;
+    QAccessibleInterface *childAt(int x, int y) const override;
+    QAccessibleInterface *focusChild() const override;
+    QAccessible::State state() const override;
+
+protected:
+    ~RackAccessible() override;
+
+private:
+    using Selection = std::set<WeakStation, std::owner_less<>>;
+
+    void connectRack() const;
+    void rackChanged() const;
+    void follow() const;
+    void followOrder(const StationRecords &order) const;
+    void followSelection() const;
+    void dropChildren() const;
+    void announce(QAccessible::Event type, const WeakStation &station) const;
+
+    /// Ends the connections with this object.
+    mutable QObject context_;
+    mutable bool connected_ = false;
+    // The rack as it has been announced; brought up to date when somebody asks, or a turn of the event loop
+    // after a change.
+    mutable bool due_ = true;
+    mutable std::vector<WeakStation> stations_;
+    mutable Selection selected_;
+    /// Made when they are first asked for.
+    mutable std::map<WeakStation, QAccessible::Id, std::owner_less<>> children_;
+};
+
+/// One station of the rack. Its list owns it.
+class RackStationAccessible final : public QAccessibleInterface, public QAccessibleActionInterface
+{
+public:
+    RackStationAccessible(const RackAccessible &list, WeakStation station)
+        : list_(list)
+        , station_(std::move(station))
+    {
+    }
+
+    const WeakStation &station() const { return station_; }
+
+    bool isValid() const override { return list_.isValid() && list_.placeOf(station_) >= 0; }
+    QObject *object() const override { return nullptr; }
+    QWindow *window() const override { return list_.window(); }
+    QAccessibleInterface *parent() const override { return const_cast<RackAccessible *>(&list_); }
+    int childCount() const override;
+    QAccessibleInterface *child(int index) const override;
+    int indexOfChild(const QAccessibleInterface *child) const override;
+    QAccessibleInterface *childAt(int x, int y) const override;
+    QString text(QAccessible::Text kind) const override;
+    void setText(QAccessible::Text, const QString &) override {}
+    QRect rect() const override;
+    QAccessible::Role role() const override { return QAccessible::ListItem; }
+    QAccessible::State state() const override;
+    void *interface_cast(QAccessible::InterfaceType type) override;
+
+    QStringList actionNames() const override;
+    QString localizedActionName(const QString &name) const override;
+    void doAction(const QString &name) override;
+    QStringList keyBindingsForAction(const QString &name) const override;
+
+private:
+    /// Where the station stands in the rack by now; -1 where it does not.
+    qsizetype index() const;
+    static QString description(const RadioModel &station);
+    /// Where there is one, it is on the screen or next to it.
+    RackItem *tile() const;
+    std::array<QToolButton *, 2> buttons() const;
+
+    const RackAccessible &list_;
+    WeakStation station_;
+};

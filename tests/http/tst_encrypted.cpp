@@ -1,0 +1,59 @@
+#include "http/httpexchange.h"
+#include "support/encryptedserver.h"
+
+#include <QSslCertificate>
+#include <QTest>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+/// Who is let in over TLS, and that what he says comes whole.
+class TestEncrypted : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void certificatesAreVerified_data();
+    void certificatesAreVerified();
+};
+
+void TestEncrypted::certificatesAreVerified_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<bool>("isTrusted");
+    QTest::addColumn<bool>("isLetIn");
+    QTest::newRow("trusted") << u"localhost"_s << true << true;
+    QTest::newRow("of an unknown maker") << u"localhost"_s << false << false;
+    QTest::newRow("of another name") << u"127.0.0.1"_s << true << false;
+}
+
+void TestEncrypted::certificatesAreVerified()
+{
+    QFETCH(QString, host);
+    QFETCH(bool, isTrusted);
+    QFETCH(bool, isLetIn);
+    // More than is read ahead, and its end is that of the connection.
+    const QByteArray body(3'000'000, 'x');
+    const EncryptedServer server("HTTP/1.0 200 OK\r\n\r\n" + body);
+    QVERIFY(server.isReady());
+    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration trusting = usual;
+    trusting.setCaCertificates(isTrusted ? QList{server.certificate()} : QList<QSslCertificate>());
+    QSslConfiguration::setDefaultConfiguration(trusting);
+
+    HttpExchange exchange;
+    std::optional<int> fault;
+    connect(&exchange, &HttpExchange::finished, &exchange, [&fault] { fault = 0; });
+    connect(&exchange, &HttpExchange::failed, &exchange,
+            [&fault](const HttpError &error) { fault = error.code; });
+    exchange.start({.url = QUrl(u"https://%1:%2/"_s.arg(host).arg(server.serverPort()))});
+    QTRY_VERIFY(fault.has_value());
+    QSslConfiguration::setDefaultConfiguration(usual);
+
+    QCOMPARE(*fault, isLetIn ? 0 : int{HttpExchange::NoConnection});
+    QCOMPARE(exchange.body(), isLetIn ? body : QByteArray());
+    QCOMPARE(server.requests().startsWith("GET / "), isLetIn);
+}
+
+QTEST_GUILESS_MAIN(TestEncrypted)
+#include "tst_encrypted.moc"
