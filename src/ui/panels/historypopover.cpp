@@ -1,7 +1,7 @@
 #include "ui/panels/historypopover.h"
 
 #include "session/titlehistory.h"
-#include "ui/widgets/celldelegate.h"
+#include "ui/table/rvcell.h"
 #include "ui/widgets/copytext.h"
 #include "ui/widgets/plaintooltip.h"
 #include "ui_historypopover.h"
@@ -23,10 +23,10 @@ Q_LOGGING_CATEGORY(lcHistory, "plumtide.history")
 constexpr int stationColumnWidth = 160;
 
 /// The cells of the history: the tooltip shows the whole of what may be elided.
-class TitleDelegate : public CellDelegate
+class TitleDelegate : public RVCell
 {
 public:
-    using CellDelegate::CellDelegate;
+    using RVCell::RVCell;
 
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &,
                    const QModelIndex &index) override

@@ -1,7 +1,7 @@
 #include "ui/table/rvtableview.h"
 
 #include "base/exception.h"
-#include "ui/widgets/celldelegate.h"
+#include "ui/table/rvcell.h"
 
 #include <QDrag>
 #include <QHeaderView>
@@ -28,7 +28,7 @@ constexpr Qt::DropActions everyAction = Qt::CopyAction | Qt::MoveAction | Qt::Li
 RVTableView::RVTableView(QWidget *parent)
     : QTableView(parent)
 {
-    setItemDelegate(new CellDelegate(this));
+    setItemDelegate(new RVCell(this));
     setSelectionBehavior(SelectRows);
     setEditTriggers(NoEditTriggers);
     setTabKeyNavigation(false);

@@ -1,4 +1,4 @@
-#include "ui/widgets/celldelegate.h"
+#include "ui/table/rvcell.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -8,8 +8,7 @@ namespace {
 constexpr int pictureSize = 20;
 } // namespace
 
-void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
-                         const QModelIndex &index) const
+void RVCell::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);

@@ -2,9 +2,10 @@
 
 #include <QStyledItemDelegate>
 
-/// Draws the cells of a list: one line of text that is elided where it does not fit, with room at both sides,
-/// or a small picture in the middle. The row shows selection and focus, not the cell.
-class CellDelegate : public QStyledItemDelegate
+/// The cell of every list, the station table's first of all: one line of text that is elided where it does
+/// not fit, with room at both sides, or a small picture in the middle. It has no behaviour of its own: the
+/// row shows selection and focus, and takes every click.
+class RVCell : public QStyledItemDelegate
 {
     Q_OBJECT
 
