@@ -1,6 +1,7 @@
 // From a directory answer to a painted table, beside what expat alone needs for as many passes over the same
 // bytes.
 
+#include "directory/keyed/stationdirectory.h"
 #include "medianmilliseconds.h"
 #include "ui/table/rvtableview.h"
 #include "ui/table/stationtable.h"
@@ -62,7 +63,7 @@ int main(int argc, char *argv[])
         });
         const double before = heapMegabytes();
         StationDirectory directory({}, [] { return QString(); });
-        QObject::connect(&directory, &StationDirectory::stationsReloaded,
+        QObject::connect(&directory, &StationDirectory::answered,
                          [&] { stations.reload(directory.radioData()); });
         const double painted = medianMilliseconds([&] {
             for (int delivery = 0; delivery < deliveries; ++delivery) {

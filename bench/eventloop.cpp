@@ -3,7 +3,7 @@
 // behind.
 
 #include "app/allocator.h"
-#include "mainwindow/mainwindow.h"
+#include "app/program.h"
 #include "playback/mpv/mpvbackend.h"
 #include "readenvironment.h"
 #include "settings/statefile.h"
@@ -52,9 +52,9 @@ void report(const QByteArray &when, double gap)
 class Storm : public QObject
 {
 public:
-    explicit Storm(MainWindow &window)
-        : table_(*window.findChild<RVTableView *>(QStringLiteral("myTableView")))
-        , playback_(window.player().streamPlayback())
+    explicit Storm(Program &program)
+        : table_(*program.window.findChild<RVTableView *>(QStringLiteral("myTableView")))
+        , playback_(program.session.playback())
     {
         std::printf("%-28s %12s %9s %12s %14s\n", "", "longest, ms", "threads", "descriptors",
                     "anonymous, MB");
@@ -119,15 +119,16 @@ private:
 int main(int argc, char *argv[])
 {
     returnFreedMemory();
-    const auto [endpoints, audioOutput, pausedBufferBytes] = readEnvironment();
+    const auto [directory, audioOutput, pausedBufferBytes] = readEnvironment();
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     StateFile state;
     applyLook(application);
-    MainWindow window(endpoints, backend, state);
+    Program program(directory, backend, state);
+    MainWindow &window = program.window;
     QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
     window.show();
-    const Storm storm(window);
+    const Storm storm(program);
     return QApplication::exec();
 }

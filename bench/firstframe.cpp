@@ -2,7 +2,7 @@
 // --empty a window that holds nothing but a table of 500 rows. With --stay as well the empty window stays
 // open.
 
-#include "mainwindow/mainwindow.h"
+#include "app/program.h"
 #include "playback/mpv/mpvbackend.h"
 #include "readenvironment.h"
 #include "settings/statefile.h"
@@ -57,12 +57,13 @@ int runEmpty(int argc, char **argv)
 
 int runReal(int argc, char **argv)
 {
-    const auto [endpoints, audioOutput, pausedBufferBytes] = readEnvironment();
+    const auto [directory, audioOutput, pausedBufferBytes] = readEnvironment();
     MpvBackend backend(audioOutput, pausedBufferBytes);
     QApplication application(argc, argv);
     StateFile state;
     applyLook(application);
-    MainWindow window(endpoints, backend, state);
+    Program program(directory, backend, state);
+    MainWindow &window = program.window;
     QObject::connect(&window, &MainWindow::firstFramePainted, &window, [] { std::_Exit(0); });
     window.show();
     return QApplication::exec();

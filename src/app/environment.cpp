@@ -37,9 +37,9 @@ std::variant<Environment, QString> Environment::from(const QProcessEnvironment &
 {
     Environment environment;
     for (const auto &[variable, setting, end] :
-         {std::tuple(QStringLiteral("PLUMTIDE_DIRECTORY_URL"), &environment.endpoints.service.baseAddress,
+         {std::tuple(QStringLiteral("PLUMTIDE_DIRECTORY_URL"), &environment.directory.baseAddress,
                      QStringLiteral("/")),
-          std::tuple(QStringLiteral("PLUMTIDE_TUNEIN_URL"), &environment.endpoints.tuneInBaseAddress,
+          std::tuple(QStringLiteral("PLUMTIDE_TUNEIN_URL"), &environment.directory.tuneInBaseAddress,
                      QString())}) {
         if (const QString value = variables.value(variable); !value.isEmpty()) {
             const QString address = httpAddress(value);
@@ -50,7 +50,7 @@ std::variant<Environment, QString> Environment::from(const QProcessEnvironment &
         }
     }
     if (const QString key = variables.value(QStringLiteral("PLUMTIDE_DIRECTORY_KEY")); !key.isEmpty()) {
-        environment.endpoints.service.developerKey = key;
+        environment.directory.developerKey = key;
     }
     const auto outputVariable = QStringLiteral("PLUMTIDE_AUDIO_OUTPUT");
     if (const QString value = variables.value(outputVariable); !value.isEmpty()) {

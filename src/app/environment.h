@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mainwindow/player.h"
+#include "directory/keyed/stationdirectory.h"
 #include "playback/mpv/audiooutput.h"
 #include "playback/mpv/mpvconditions.h"
 
@@ -13,7 +13,7 @@
 /// is unset or empty keeps the default.
 struct Environment
 {
-    DirectoryEndpoints endpoints;
+    DirectoryService directory;
     AudioOutput audioOutput = AudioOutput::automatic();
     /// What a pause may load until the buffer counts as full.
     qint64 pausedBufferBytes = MpvConditions::usualPausedBufferBytes;

@@ -3,13 +3,13 @@
 #include "app/commandline.h"
 #include "app/environment.h"
 #include "app/log.h"
+#include "app/program.h"
 #include "app/quitsignals.h"
 #include "app/translations.h"
 #include "base/exception.h"
 #include "desktop/desktoplook.h"
 #include "desktop/shell.h"
 #include "desktop/singleinstance.h"
-#include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
 #include "ui/widgets/svgicon.h"
@@ -125,12 +125,13 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
     {
         const QuitSignals quitSignals;
         QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
-        MainWindow window(environment.endpoints, backend, state);
+        Program program(environment.directory, backend, state);
+        MainWindow &window = program.window;
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
         QObject::connect(&window, &MainWindow::firstFramePainted, &look,
                          [&look, &instance] { look.watchDesktop(instance->connection()); });
         QObject::connect(&window, &MainWindow::appearanceChosen, &look, &DesktopLook::setAppearance);
-        Shell shell(window, *instance);
+        Shell shell(window, program.session, *instance);
         application.endingChanged = [&shell](bool isEnding) { shell.setEnding(isEnding); };
         openWindow = &window;
         std::atexit(saveAtExit);

@@ -1,9 +1,12 @@
 #include "desktop/shell.h"
 
+#include "session/radiosession.h"
+
 #include <QApplication>
 
-Shell::Shell(MainWindow &window, SingleInstance &instance)
+Shell::Shell(MainWindow &window, RadioSession &session, SingleInstance &instance)
     : window_(window)
+    , session_(session)
     , delegate_(&window)
 {
     QApplication::setQuitOnLastWindowClosed(false);
@@ -18,8 +21,6 @@ Shell::Shell(MainWindow &window, SingleInstance &instance)
         delegate_.applicationShouldHandleReopen(window_.isVisible(), activation);
     });
     connect(&instance, &SingleInstance::commanded, this, &Shell::perform);
-    connect(&window.player().streamPlayback(), &StreamPlayback::titleChanged, this,
-            [this](const QString &title) { station_ = title; });
     // Not before: the tray costs more than the window may wait for.
     connect(&window, &MainWindow::firstFramePainted, this,
             [this, bus = instance.connection()] { showTrayIcon(bus); });
@@ -34,17 +35,8 @@ MainWindow::Closing Shell::closing(bool isEnding, bool isReachable, bool hasTray
 void Shell::showTrayIcon(const QDBusConnection &bus)
 {
     trayIcon_ = std::make_unique<TrayIcon>(bus);
-    const StreamPlayback &playback = window_.player().streamPlayback();
-    const auto refresh = [this, &playback] {
-        const bool isRunning = playback.myBackendPlayer() && playback.myBackendPlayer()->rate() != 0;
-        trayIcon_->setPlaying(isRunning                    ? TrayIcon::Playing::Running
-                              : playback.myBackendPlayer() ? TrayIcon::Playing::Paused
-                                                           : TrayIcon::Playing::Nothing);
-    };
-    trayIcon_->setStation(station_);
-    refresh();
-    connect(&playback, &StreamPlayback::titleChanged, trayIcon_.get(), &TrayIcon::setStation);
-    connect(&playback, &StreamPlayback::runningChanged, trayIcon_.get(), refresh);
+    trayIcon_->setNowPlaying(session_.nowPlaying());
+    connect(&session_, &RadioSession::nowPlayingChanged, trayIcon_.get(), &TrayIcon::setNowPlaying);
     connect(trayIcon_.get(), &TrayIcon::showRequested, this, [this] { delegate_.showWindow(); });
     connect(trayIcon_.get(), &TrayIcon::clicked, this, &Shell::toggleWindow);
     connect(trayIcon_.get(), &TrayIcon::commanded, this, &Shell::perform);
@@ -67,7 +59,7 @@ void Shell::perform(RemoteCommand command)
         window_.player().spaceKeyAction();
         break;
     case RemoteCommand::Stop:
-        window_.player().streamPlayback().destroyPlayer();
+        session_.playback().destroyPlayer();
         break;
     case RemoteCommand::Quit:
         // Whoever asked gets his answer first.

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class RadioSession;
+
 /// Keeps the one main window reachable from the desktop: what closing it does, and what brings it back. The
 /// program goes on without its window until somebody quits it. Main thread; lives as long as the window.
 class Shell : public QObject
@@ -14,7 +16,8 @@ class Shell : public QObject
     Q_OBJECT
 
 public:
-    Shell(MainWindow &window, SingleInstance &instance);
+    /// All must outlive this object; the window is the session's.
+    Shell(MainWindow &window, RadioSession &session, SingleInstance &instance);
 
     /// From now on the window closes whatever might bring it back: the program ends.
     void setEnding(bool ending) { ending_ = ending; }
@@ -28,9 +31,8 @@ private:
     void perform(RemoteCommand command);
 
     MainWindow &window_;
+    RadioSession &session_;
     AppDelegate delegate_;
     std::unique_ptr<TrayIcon> trayIcon_;
-    /// The playing station's name, for the tray icon.
-    QString station_;
     bool ending_ = false;
 };

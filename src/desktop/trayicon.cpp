@@ -1,6 +1,5 @@
 #include "desktop/trayicon.h"
 
-#include "base/displaytext.h"
 #include "ui/widgets/svgicon.h"
 
 #include <QAction>
@@ -20,23 +19,20 @@ bool TrayIcon::isVisible() const
     return icon_ && host_.has(kind_);
 }
 
-void TrayIcon::setStation(const QString &station)
+void TrayIcon::setNowPlaying(const NowPlaying &nowPlaying)
 {
-    station_ = station;
+    nowPlaying_ = nowPlaying;
     refresh();
 }
 
-void TrayIcon::setPlaying(Playing playing)
+QString TrayIcon::toolTip(const NowPlaying &nowPlaying)
 {
-    playing_ = playing;
-    refresh();
-}
-
-QString TrayIcon::toolTip(const QString &station, Playing playing)
-{
+    if (!nowPlaying.isRunning() || nowPlaying.station.isEmpty()) {
+        return tr("Plumtide");
+    }
     // Trays differ in whether they take markup, so that escaping would show in some of them.
-    const QString name = displayText(station).replace(u'<', u'\u2039').replace(u'>', u'\u203a');
-    return playing == Playing::Running && !name.isEmpty() ? name : tr("Plumtide");
+    QString name = nowPlaying.station;
+    return name.replace(u'<', u'\u2039').replace(u'>', u'\u203a');
 }
 
 void TrayIcon::makeFor(TrayHost::Kind host)
@@ -71,9 +67,10 @@ QAction *TrayIcon::addCommand(const QString &text, RemoteCommand command)
 void TrayIcon::refresh()
 {
     if (icon_) {
-        playPause_->setText(playing_ == Playing::Running ? tr("&Pause") : tr("&Play"));
-        playPause_->setEnabled(playing_ != Playing::Nothing);
-        stop_->setEnabled(playing_ != Playing::Nothing);
-        icon_->setToolTip(toolTip(station_, playing_));
+        const bool isPlaying = nowPlaying_.isRunning() || nowPlaying_.state == PlaybackState::Paused;
+        playPause_->setText(nowPlaying_.isRunning() ? tr("&Pause") : tr("&Play"));
+        playPause_->setEnabled(isPlaying);
+        stop_->setEnabled(isPlaying);
+        icon_->setToolTip(toolTip(nowPlaying_));
     }
 }

@@ -2,6 +2,7 @@
 
 #include "desktop/remotecommand.h"
 #include "desktop/trayhost.h"
+#include "session/nowplaying.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
@@ -15,19 +16,15 @@ class TrayIcon : public QObject
     Q_OBJECT
 
 public:
-    enum class Playing { Nothing, Paused, Running };
-
     explicit TrayIcon(const QDBusConnection &bus);
 
     /// Whether the user can see it.
     bool isVisible() const;
 
-    /// `station` is its name as it came.
-    void setStation(const QString &station);
-    void setPlaying(Playing playing);
+    void setNowPlaying(const NowPlaying &nowPlaying);
 
-    /// Plain text that no tray takes for markup; `station` as it came.
-    static QString toolTip(const QString &station, Playing playing);
+    /// Plain text that no tray takes for markup.
+    static QString toolTip(const NowPlaying &nowPlaying);
 
 Q_SIGNALS:
     void showRequested();
@@ -43,8 +40,7 @@ private:
     TrayHost host_;
     /// What the icon has been made for: it stays with that.
     TrayHost::Kind kind_ = TrayHost::Kind::None;
-    QString station_;
-    Playing playing_ = Playing::Nothing;
+    NowPlaying nowPlaying_;
     QAction *playPause_ = nullptr;
     QAction *stop_ = nullptr;
     std::unique_ptr<QMenu> menu_;

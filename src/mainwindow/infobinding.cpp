@@ -1,7 +1,6 @@
 #include "mainwindow/infobinding.h"
 
-#include "base/displaytext.h"
-#include "playback/heardstream.h"
+#include "session/radiosession.h"
 #include "ui/panels/infoview.h"
 
 #include <chrono>
@@ -9,50 +8,39 @@
 namespace {
 /// The area changes no more often than that.
 constexpr std::chrono::milliseconds calmTime{500};
-/// A title that stands shorter is entered only if none follows it.
-constexpr std::chrono::milliseconds settlingTime{1000};
 } // namespace
 
-InfoBinding::InfoBinding(InfoView &view, const HeardStream &heard)
+InfoBinding::InfoBinding(InfoView &view, const RadioSession &session)
     : view_(view)
-    , heard_(heard)
+    , session_(session)
 {
-    settling_.setSingleShot(true);
-    settling_.setInterval(settlingTime);
-    connect(&settling_, &QTimer::timeout, this, [this] { history_.add(current_); });
     showing_.setSingleShot(true);
     connect(&showing_, &QTimer::timeout, this, &InfoBinding::show);
-    connect(&heard_, &HeardStream::changed, this, &InfoBinding::heardChanged);
+    connect(&session, &RadioSession::nowPlayingChanged, this, &InfoBinding::changed);
+    connect(&session.heardStream(), &HeardStream::changed, this, &InfoBinding::changed);
 }
 
-void InfoBinding::setStation(const QString &name)
+StreamInfo InfoBinding::info() const
 {
-    station_ = displayText(name);
+    const NowPlaying &now = session_.nowPlaying();
+    return {.title = now.title,
+            .codec = now.codec,
+            .bitrate = now.bitrate,
+            .buffered = session_.heardStream().info().buffered};
 }
 
-void InfoBinding::heardChanged(const StreamInfo &info)
+void InfoBinding::changed()
 {
-    if (const QString title = displayText(info.title).trimmed(); title != current_.title) {
-        titleChanged(title);
+    const StreamInfo next = info();
+    if (next == shown_) {
+        showing_.stop();
+        return;
     }
     // What has ended is not left standing.
-    if (calm_.hasExpired() || info.isEmpty()) {
+    if (calm_.hasExpired() || next.isEmpty()) {
         show();
     } else if (!showing_.isActive()) {
         showing_.start(static_cast<int>(calm_.remainingTime()));
-    }
-}
-
-void InfoBinding::titleChanged(const QString &title)
-{
-    settling_.stop();
-    if (title.isEmpty()) {
-        history_.add(current_);
-        current_ = {};
-    } else {
-        // With the station as of now: when the sound ends, the next one may have its name here already.
-        current_ = {QDateTime::currentDateTime(), station_, title};
-        settling_.start();
     }
 }
 
@@ -60,7 +48,6 @@ void InfoBinding::show()
 {
     showing_.stop();
     calm_.setRemainingTime(calmTime);
-    StreamInfo shown = heard_.info();
-    shown.title = current_.title;
-    view_.setInfo(shown);
+    shown_ = info();
+    view_.setInfo(shown_);
 }

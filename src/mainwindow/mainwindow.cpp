@@ -7,6 +7,7 @@
 #include "mainwindow/tablecommands.h"
 #include "mainwindow/windowkeys.h"
 #include "mainwindow/windowmemory.h"
+#include "session/radiosession.h"
 #include "settings/statefile.h"
 #include "ui/genres/genreobject.h"
 #include "ui/panels/audiopopover.h"
@@ -47,8 +48,9 @@ void scaleFont(QWidget *widget, qreal factor)
 }
 } // namespace
 
-MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, StateFile &state)
+MainWindow::MainWindow(RadioSession &session, StoredSettings &settings, Backend &backend, StateFile &state)
     : ui_(std::make_unique<Ui::MainWindow>())
+    , session_(session)
     , state_(state)
     , memory_(std::make_unique<WindowMemory>(state))
     , audioPopOver_(new AudioPopover(this))
@@ -67,10 +69,10 @@ MainWindow::MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, St
                                 .audioPopOver = audioPopOver_,
                                 .customRadioPopOver = new AddRecordPopover(this),
                                 .rack = rack};
-    player_ = std::make_unique<Player>(outlets, endpoints, backend);
+    player_ = std::make_unique<Player>(outlets, session, settings);
     bindTransport();
     bindSound(backend);
-    bindInfo(backend);
+    bindInfo();
     bindMenus();
     keys_ = std::make_unique<WindowKeys>(*this, *ui_);
     bindSearch();
@@ -106,7 +108,7 @@ void MainWindow::bindTransport()
         connect(button, &QToolButton::clicked, player_.get(),
                 [this, button] { player_->audioRackButtonAction(button); });
     }
-    connect(&player_->streamPlayback(), &StreamPlayback::runningChanged, this, &MainWindow::showRunning);
+    connect(&session_.playback(), &StreamPlayback::runningChanged, this, &MainWindow::showRunning);
     showRunning(false);
 }
 
@@ -126,14 +128,12 @@ void MainWindow::bindSound(Backend &backend)
     showMuted(ui_->muteAction->isChecked());
 }
 
-void MainWindow::bindInfo(const Backend &backend)
+void MainWindow::bindInfo()
 {
-    infoBinding_ = std::make_unique<InfoBinding>(*ui_->infoView, backend.heardStream());
-    connect(&player_->streamPlayback(), &StreamPlayback::titleChanged, infoBinding_.get(),
-            &InfoBinding::setStation);
+    infoBinding_ = std::make_unique<InfoBinding>(*ui_->infoView, session_);
     ui_->infoView->historyButton()->setIcon(svgIcon(QStringLiteral("history"), boxInk));
     setTabOrder(ui_->transportStopButton, ui_->infoView->historyButton());
-    auto *popover = new HistoryPopover(this, infoBinding_->history());
+    auto *popover = new HistoryPopover(this, session_.history());
     const auto toggle = [this, popover] {
         QWidget *view = ui_->infoView->isVisible() ? static_cast<QWidget *>(ui_->infoView)
                                                    : static_cast<QWidget *>(ui_->myToolbarBox);
@@ -171,19 +171,16 @@ void MainWindow::bindGenres()
 
 void MainWindow::bindLists()
 {
-    StationDirectory &directory = player_->stationDirectory();
-    connect(&directory, &StationDirectory::busyChanged, this, [this](bool busy) {
+    const DirectorySource &directory = session_.directory();
+    connect(&directory, &DirectorySource::busyChanged, this, [this](bool busy) {
         showPlaceholder(busy ? tr("Asking the directory...") : reasonForNoStations());
     });
-    connect(&directory, &StationDirectory::stationsReloaded, this,
-            [this] { showPlaceholder(reasonForNoStations()); });
+    connect(&directory, &DirectorySource::answered, this, [this] { showPlaceholder(reasonForNoStations()); });
     ui_->myCollectionView->setPlaceholderText(
         tr("Drag stations here to keep them, or press %1.")
             .arg(ui_->addFavouriteAction->shortcut().toString(QKeySequence::NativeText)));
-    tableCommands_ =
-        std::make_unique<TableCommands>(*ui_, player_->stationTable(), player_->rackActions(),
-                                        [this](int row) { return player_->tableItemAddress(row); });
-    rackCommands_ = std::make_unique<RackCommands>(*ui_, player_->favouritesRack(), player_->rackActions());
+    tableCommands_ = std::make_unique<TableCommands>(*ui_, player_->stationTable(), session_);
+    rackCommands_ = std::make_unique<RackCommands>(*ui_, session_, player_->rackActions());
 }
 
 void MainWindow::bindOwnStations()
@@ -208,8 +205,11 @@ void MainWindow::bindMenus()
     connect(ui_->quitAction, &QAction::triggered, this, &MainWindow::quitRequested);
     connect(ui_->spaceKeyAction, &QAction::triggered, player_.get(), &Player::spaceKeyAction);
     connect(ui_->stopAction, &QAction::triggered, ui_->transportStopButton, &QToolButton::click);
-    connect(ui_->topStationsAction, &QAction::triggered, &player_->stationDirectory(),
-            &StationDirectory::getTop500);
+    connect(ui_->topStationsAction, &QAction::triggered, &session_.directory(),
+            &DirectorySource::requestTopStations);
+    connect(ui_->nextFavouriteAction, &QAction::triggered, &session_, &RadioSession::playNextFavourite);
+    connect(ui_->previousFavouriteAction, &QAction::triggered, &session_,
+            &RadioSession::playPreviousFavourite);
 }
 
 /// The button's picture and name say what it would do next; its text is the hub's.
@@ -225,20 +225,20 @@ void MainWindow::showRunning(bool running)
 void MainWindow::showPlaceholder(const QString &text)
 {
     ui_->myTableView->setPlaceholderText(text);
-    ui_->myTableView->setAccessibleDescription(player_->stationDirectory().radioData().isEmpty() ? text
-                                                                                                 : QString());
+    ui_->myTableView->setAccessibleDescription(session_.directory().answer().stations.isEmpty() ? text
+                                                                                                : QString());
 }
 
 QString MainWindow::reasonForNoStations() const
 {
-    switch (player_->stationDirectory().outcome()) {
-    case StationDirectory::Outcome::Awaited:
+    switch (session_.directory().answer().outcome) {
+    case DirectoryAnswer::Outcome::Awaited:
         return {};
-    case StationDirectory::Outcome::NoAnswer:
+    case DirectoryAnswer::Outcome::NoAnswer:
         return tr("No stations. The directory did not answer.");
-    case StationDirectory::Outcome::Unusable:
+    case DirectoryAnswer::Outcome::Unusable:
         return tr("No stations. The directory's answer cannot be read.");
-    case StationDirectory::Outcome::Read:
+    case DirectoryAnswer::Outcome::Read:
         break;
     }
     return tr("No stations found.");

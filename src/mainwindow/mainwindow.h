@@ -8,6 +8,7 @@
 
 class AddRecordPopover;
 class AudioPopover;
+class Backend;
 class InfoBinding;
 class RackCommands;
 class SoundBinding;
@@ -32,8 +33,8 @@ public:
     /// What closing the window does to it.
     enum class Closing { Hides, Minimises };
 
-    /// `backend` and `state` must outlive the window.
-    MainWindow(const DirectoryEndpoints &endpoints, Backend &backend, StateFile &state);
+    /// All must outlive the window; `backend` is the one that the session plays on.
+    MainWindow(RadioSession &session, StoredSettings &settings, Backend &backend, StateFile &state);
     ~MainWindow() override;
 
     Player &player() { return *player_; }
@@ -61,7 +62,7 @@ private:
     void layOut();
     void bindTransport();
     void bindSound(Backend &backend);
-    void bindInfo(const Backend &backend);
+    void bindInfo();
     void bindSearch();
     void bindGenres();
     void bindLists();
@@ -73,6 +74,7 @@ private:
     QString reasonForNoStations() const;
 
     std::unique_ptr<Ui::MainWindow> ui_;
+    RadioSession &session_;
     StateFile &state_;
     std::unique_ptr<WindowMemory> memory_;
     std::unique_ptr<WindowKeys> keys_;

@@ -2,8 +2,7 @@
 
 #include "base/displaytext.h"
 #include "base/exception.h"
-#include "base/rvobject.h"
-#include "directory/keyed/tuneinaddress.h"
+#include "session/radiosession.h"
 #include "ui/drag/dragpayload.h"
 #include "ui/panels/wabout.h"
 #include "ui/panels/wpreferences.h"
@@ -35,13 +34,9 @@ constexpr int saveTag = 302;
 constexpr QLatin1StringView trendingGenre{"Trending 500"};
 constexpr QLatin1StringView randomGenre{"Random Stations"};
 
-/// Where the rack is kept, in the user's music folder.
-const QString favouritesFolder = QStringLiteral("com.plumtide.folders");
-const QString favouritesFile = QStringLiteral("plumtide.data");
-
 /// Of the tool-bar box and of the rack's tiles.
 constexpr qreal cornerRadius = 8.0;
-constexpr QColor itemBorderGrey(128, 128, 128, 80);
+constexpr QColor itemBorderGrey(128, 128, 128);
 constexpr qreal itemBorderWidth = 5.0;
 
 /// Opens the popover beside `sender`, which may be null, or closes it.
@@ -52,18 +47,13 @@ void toggle(Popover &popover, QWidget *sender)
 }
 } // namespace
 
-Player::Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
-               QObject *parent)
+Player::Player(const PlayerOutlets &outlets, RadioSession &session, StoredSettings &settings, QObject *parent)
     : QObject(parent)
     , outlets_(outlets)
-    , tuneInBaseAddress_(endpoints.tuneInBaseAddress)
-    , directory_(endpoints.service, [this] { return settings_.queryLimit(); })
+    , session_(session)
+    , settings_(settings)
     , stationTable_(outlets.myTableView)
-    , playback_(
-          backend, [this] { return settings_.timeout(); }, [this] { return settings_.userAgent(); })
-    , rackActions_(rack_, outlets.rack, [this](const StationEntry &station) {
-        return droppedStationAddress(tuneInBaseAddress_, directory_.radiocallbackData500(), station);
-    })
+    , rackActions_(session, outlets.rack)
 {
 }
 
@@ -73,7 +63,7 @@ void Player::awakeFromNib()
 {
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { radioDataChanges(willTerminate); });
     transformers_.setValueTransformer(std::make_unique<PathTransformer>(), QStringLiteral("PathTransformer"));
-    readRack();
+    session_.favourites().read();
     connectConcerns();
     prepareTable();
     prepareRack();
@@ -83,37 +73,22 @@ void Player::awakeFromNib()
     outlets_.rack.myCollectionView->setItemFrame(cornerRadius, itemBorderGrey, itemBorderWidth);
     setTitle(QStringLiteral("idle"));
     // After the reading: a first start finds nothing, and leaves a folder for the rack to be written into.
-    if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
-        FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
-    }
-    favourites_.own(favouritesFolder, favouritesFile);
+    session_.favourites().claim();
     outlets_.customRadioPopOver->setDelegate(this);
     outlets_.customRadioPopOver->setBehaviour(Popover::Behaviour::SemiTransient);
     preferences_ = std::make_unique<WPreferences>(settings_);
     about_ = std::make_unique<WAbout>();
-    directory_.getTop500();
-}
-
-void Player::readRack()
-{
-    const auto stored = favourites_.reaDataFromStorageFolder(favouritesFolder, favouritesFile);
-    rack_.setRadioItemCollectionArray(stored.value_or(StationRecords()));
-}
-
-bool Player::saveRack()
-{
-    return favourites_.saveDataToStorageFolder(favouritesFolder, favouritesFile,
-                                               rack_.radioItemCollectionArray());
+    session_.directory().requestTopStations();
 }
 
 void Player::radioDataChanges(QLatin1StringView notification)
 {
     if (notification == willTerminate) {
         // Not among what is logged: that is not even computed where the category is silent.
-        const bool saved = saveRack();
+        const bool saved = session_.favourites().save();
         qCInfo(lcPlayer, "com.ostrel.plumtide.save_data_success %i", saved ? 1 : 0);
         // What is left of the end may take its time, and the program be started again meanwhile.
-        favourites_.disown();
+        session_.favourites().release();
     }
 }
 
@@ -127,7 +102,7 @@ void Player::menuActions(const QAction *sender)
         preferences_->showWindow();
         break;
     case saveTag:
-        saveRack();
+        session_.favourites().save();
         break;
     default:
         break;
@@ -136,24 +111,18 @@ void Player::menuActions(const QAction *sender)
 
 void Player::connectConcerns()
 {
-    connect(&directory_, &StationDirectory::busyChanged, outlets_.progress, &Spinner::setAnimating);
-    connect(&directory_, &StationDirectory::statusChanged, this, &Player::setStatus);
-    connect(&directory_, &StationDirectory::stationsReloaded, this, [this] {
+    const DirectorySource &directory = session_.directory();
+    connect(&directory, &DirectorySource::busyChanged, outlets_.progress, &Spinner::setAnimating);
+    connect(&directory, &DirectorySource::statusChanged, this, &Player::setStatus);
+    connect(&directory, &DirectorySource::answered, this, [this, &directory] {
         // A new answer comes in the directory's own order, with nothing selected.
-        stationTable_.reload(directory_.radioData());
+        stationTable_.reload(directory.answer().stations);
         outlets_.myTableView->clearSortIndicator();
     });
-    connect(&stationTable_, &StationTable::sortRequested, this,
-            [this](const StationDirectory::RowComparison &before) {
-                directory_.sortRadioData(before);
-                stationTable_.reload(directory_.radioData());
-            });
-    connect(&rackActions_, &RackActions::playRequested, &playback_, &StreamPlayback::playRadioFromURL);
-    connect(&rackActions_, &RackActions::playCustomRequested, &playback_,
-            &StreamPlayback::playRadioCustomWithObject);
-    connect(&playback_, &StreamPlayback::titleChanged, this, &Player::setTitle);
-    connect(&playback_, &StreamPlayback::statusChanged, this, &Player::setStatus);
-    connect(&playback_, &StreamPlayback::tornDown, outlets_.audioPopOver, &Popover::close);
+    const StreamPlayback &playback = session_.playback();
+    connect(&playback, &StreamPlayback::titleChanged, this, &Player::setTitle);
+    connect(&playback, &StreamPlayback::statusChanged, this, &Player::setStatus);
+    connect(&playback, &StreamPlayback::tornDown, outlets_.audioPopOver, &Popover::close);
 }
 
 void Player::prepareTable()
@@ -168,7 +137,7 @@ void Player::prepareTable()
 void Player::prepareRack()
 {
     RackView *view = outlets_.rack.myCollectionView;
-    view->setRack(&rack_, transformers_);
+    view->setRack(&session_.favourites().rack(), transformers_);
     outlets_.rack.favoritPopOver->setTransformers(&transformers_);
     outlets_.rack.customRadioEditorPopOver->setTransformers(&transformers_);
     view->setDelegate(&rackActions_);
@@ -179,7 +148,7 @@ void Player::searchForRadio()
 {
     const QString text = outlets_.searchField->text();
     if (!text.isEmpty()) {
-        directory_.getRadioByQuery(RVObject::airAPIFormatStyle(text));
+        session_.directory().requestSearch(text);
     }
 }
 
@@ -189,11 +158,11 @@ void Player::genreObjectReceiveName(const QString &name)
         return;
     }
     if (name == trendingGenre) {
-        directory_.getTop500();
+        session_.directory().requestTopStations();
     } else if (name == randomGenre) {
-        directory_.getRandomStation();
+        session_.directory().requestRandomStations();
     } else {
-        directory_.getRadioByQuery(RVObject::airAPIFormatStyle(name));
+        session_.directory().requestGenre(name);
     }
 }
 
@@ -204,46 +173,28 @@ void Player::customRadioAction(QWidget *sender)
 
 void Player::addCustomRadioData()
 {
-    auto station = std::make_shared<RadioModel>();
-    station->setCustom(true);
-    station->setImageFilePath(QString(RadioModel::customArtwork));
-    rack_.insertObjectAtArrangedObjectIndex(station, 0);
-    rack_.rearrangeObjects();
+    session_.favourites().addBlank();
 }
 
 void Player::vaaddrecordDidFinish(VAddRecord *, const StationRecord &data)
 {
     if (data) {
-        rack_.addObject(data);
-        rack_.rearrangeObjects();
+        session_.favourites().add(data);
     }
     outlets_.customRadioPopOver->close();
-}
-
-QString Player::tableItemAddress(int row) const
-{
-    const StationList &stations = directory_.radioData();
-    return row >= 0 && row < stations.size()
-               ? tuneInAddress(tuneInBaseAddress_, directory_.radiocallbackData500(), stations.at(row))
-               : QString();
 }
 
 void Player::playRadioFromTableItem()
 {
     try {
-        const StationList &stations = directory_.radioData();
-        if (stations.isEmpty()) {
+        if (stationTable_.numberOfRowsInTableView(outlets_.myTableView) == 0) {
             setTitle(QStringLiteral("Error playing station"));
             setStatus(QStringLiteral("radio data is broken, please try again"));
             return;
         }
-        const StationEntry station = elementAt(stations, outlets_.myTableView->clickedRow());
-        const QString address = tuneInAddress(tuneInBaseAddress_, directory_.radiocallbackData500(), station);
-        if (!address.isNull()) {
-            const QString name = station.text(QLatin1StringView("name"));
-            setTitle(name);
-            playback_.executeSynchAVPlayer(address, name);
-        }
+        // A copy: what a start sets off may change the list.
+        const StationEntry station = stationTable_.stationAt(outlets_.myTableView->clickedRow());
+        session_.playEntry(station);
     } catch (const Exception &) {
         // Typically a double click below the last row.
         qCWarning(lcPlayer) << "UI getting error notified, ignored!";
@@ -254,7 +205,7 @@ void Player::audioRackButtonAction(QAbstractButton *sender)
 {
     switch (sender->property("tag").toInt()) {
     case playPauseTag:
-        switch (playback_.togglePause()) {
+        switch (session_.playback().togglePause()) {
         case StreamPlayback::Toggle::NoPlayer:
             break;
         case StreamPlayback::Toggle::Paused:
@@ -266,7 +217,7 @@ void Player::audioRackButtonAction(QAbstractButton *sender)
         }
         break;
     case stopTag:
-        playback_.destroyPlayer();
+        session_.playback().destroyPlayer();
         break;
     default:
         break;
@@ -275,7 +226,7 @@ void Player::audioRackButtonAction(QAbstractButton *sender)
 
 void Player::spaceKeyAction()
 {
-    playback_.togglePause();
+    session_.playback().togglePause();
 }
 
 void Player::audioButtonAction(QWidget *sender)

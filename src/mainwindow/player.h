@@ -1,12 +1,7 @@
 #pragma once
 
-#include "directory/keyed/stationdirectory.h"
-#include "favourites/archive/favouritesstore.h"
-#include "favourites/favouritesrack.h"
 #include "favourites/valuetransformers.h"
 #include "mainwindow/rackactions.h"
-#include "playback/streamplayback.h"
-#include "settings/storedsettings.h"
 #include "ui/genres/genreobject.h"
 #include "ui/stationform/vaddrecord.h"
 #include "ui/table/stationtable.h"
@@ -20,8 +15,10 @@ class QLabel;
 class QLineEdit;
 class AddRecordPopover;
 class Popover;
+class RadioSession;
 class RoundedBox;
 class Spinner;
+class StoredSettings;
 class WAbout;
 class WPreferences;
 
@@ -39,22 +36,15 @@ struct PlayerOutlets
     RackOutlets rack;
 };
 
-/// Where the directory is found.
-struct DirectoryEndpoints
-{
-    DirectoryService service;
-    /// Scheme and host of the tune-in endpoint, without a trailing "/".
-    QString tuneInBaseAddress = QStringLiteral("http://yp.shoutcast.com");
-};
-
-/// The hub of the main window: owns the concerns, connects them with each other and with the outlets, and is
-/// the home of what crosses concerns. Lives on the main thread as long as the window.
+/// The hub of the main window: connects the radio with the outlets and is the home of what crosses concerns.
+/// Lives on the main thread as long as the window.
 class Player : public QObject, public GenreObjectDelegate, public VAddRecordDelegate
 {
     Q_OBJECT
 
 public:
-    Player(const PlayerOutlets &outlets, const DirectoryEndpoints &endpoints, Backend &backend,
+    /// Session and settings must outlive this object.
+    Player(const PlayerOutlets &outlets, RadioSession &session, StoredSettings &settings,
            QObject *parent = nullptr);
     /// Lets go of everything owned. There is nothing to undo besides: no keyboard monitor is ever installed,
     /// and the hub is to hear of the application's end for as long as it lives.
@@ -80,10 +70,6 @@ public:
     /// so, are the directory's own lists. Nothing for a null name; an empty one is searched.
     void genreObjectReceiveName(const QString &name) override;
 
-    /// The address of the playlist of the station in that row of the table; null where there is none, or no
-    /// tune-in record.
-    QString tableItemAddress(int row) const;
-
     // Stations of the user's own.
     /// Opens the form beside `sender`, which may be null, or closes it.
     void customRadioAction(QWidget *sender);
@@ -108,15 +94,10 @@ public:
     /// Private stations are played from the rack, so that this command has nothing of its own to do.
     void playRadioPrivate() {}
 
-    FavouritesRack &favouritesRack() { return rack_; }
     RackActions &rackActions() { return rackActions_; }
     StationTable &stationTable() { return stationTable_; }
-    StationDirectory &stationDirectory() { return directory_; }
-    StreamPlayback &streamPlayback() { return playback_; }
 
 private:
-    void readRack();
-    bool saveRack();
     void prepareTable();
     void prepareRack();
     void connectConcerns();
@@ -124,15 +105,11 @@ private:
     void setStatus(const QString &text);
 
     PlayerOutlets outlets_;
-    QString tuneInBaseAddress_;
-    StoredSettings settings_;
+    RadioSession &session_;
+    StoredSettings &settings_;
     std::unique_ptr<WPreferences> preferences_;
     std::unique_ptr<WAbout> about_;
-    StationDirectory directory_;
     StationTable stationTable_;
-    StreamPlayback playback_;
     ValueTransformers transformers_;
-    FavouritesStore favourites_;
-    FavouritesRack rack_;
     RackActions rackActions_;
 };

@@ -1,37 +1,26 @@
 #include "mainwindow/rackactions.h"
 
 #include "base/exception.h"
+#include "session/radiosession.h"
 #include "ui/drag/dragpayload.h"
 #include "ui/rack/rackitem.h"
 #include "ui/rack/stationpopover.h"
 
 #include <QAbstractButton>
-#include <QLoggingCategory>
 #include <QMimeData>
 #include <algorithm>
-#include <utility>
 
-namespace {
-Q_LOGGING_CATEGORY(lcRack, "plumtide.rack")
-
-/// What a station from the table carries; bass and middle differ from those of any other new record.
-constexpr double droppedVolume = 6.0;
-constexpr double droppedBass = 5.0;
-constexpr double droppedMidrange = 5.0;
-constexpr double droppedTreble = 6.0;
-} // namespace
-
-RackActions::RackActions(FavouritesRack &rack, const RackOutlets &outlets,
-                         DroppedStationAddress droppedStationAddress, QObject *parent)
+RackActions::RackActions(RadioSession &session, const RackOutlets &outlets, QObject *parent)
     : QObject(parent)
-    , rack_(rack)
+    , session_(session)
+    , rack_(session.favourites().rack())
     , outlets_(outlets)
-    , droppedStationAddress_(std::move(droppedStationAddress))
 {
     for (StationPopover *popover : popovers()) {
         connect(popover, &StationPopover::edited, &rack_, &FavouritesRack::setValue);
     }
     connect(outlets_.myCollectionView, &RackView::scrolled, this, &RackActions::followTiles);
+    connect(&session_.favourites(), &Favourites::stationRemoved, this, &RackActions::stationRemoved);
 }
 
 std::array<StationPopover *, 2> RackActions::popovers() const
@@ -56,7 +45,8 @@ void RackActions::followTiles()
     }
 }
 
-void RackActions::forget(const StationRecord &station)
+/// It is no longer the selected one, and its details close.
+void RackActions::stationRemoved(const StationRecord &station)
 {
     for (StationPopover *popover : popovers()) {
         if (popover->station() == station) {
@@ -89,7 +79,7 @@ void RackActions::itemButtonAction(QAbstractButton *sender)
     case RackItem::playTag:
         if (station) {
             outlets_.favoritPopOver->close();
-            Q_EMIT playRequested(station->text(RadioField::url), station->text(RadioField::name));
+            session_.playRecordUrl(station);
         }
         break;
     default:
@@ -99,14 +89,8 @@ void RackActions::itemButtonAction(QAbstractButton *sender)
 
 void RackActions::doubleClickRVImage(RVImageView *sender)
 {
-    const StationRecord station = selectStationOf(sender);
-    if (!station) {
-        return;
-    }
-    if (station->flag(RadioField::custom)) {
-        Q_EMIT playCustomRequested(station);
-    } else {
-        Q_EMIT playRequested(station->text(RadioField::url), station->text(RadioField::name));
+    if (const StationRecord station = selectStationOf(sender)) {
+        session_.playRecord(station);
     }
 }
 
@@ -123,10 +107,15 @@ StationRecord RackActions::selectStationOf(const QWidget *sender)
         }
     }
     if (found) {
-        rack_.setSelectionIndexes({rack_.indexOf(found.get())});
-        selectedRadioModel_ = found;
+        select(found);
     }
     return found;
+}
+
+void RackActions::select(const StationRecord &station)
+{
+    rack_.setSelectionIndexes({rack_.indexOf(station.get())});
+    selectedRadioModel_ = station;
 }
 
 bool RackActions::collectionViewWriteItemsAtIndexes(RackView *view, const QList<qsizetype> &indexes,
@@ -149,68 +138,17 @@ bool RackActions::collectionViewAcceptDrop(RackView *, const QMimeData &pasteboa
     if (pasteboard.hasFormat(DragPayload::stationType)) {
         const auto entry = DragPayload::station(pasteboard.data(DragPayload::stationType));
         if (entry) {
-            insertStation(newRadioModel(*entry), index);
+            session_.favourites().add(*entry, index);
         }
         return entry.has_value();
     }
     if (pasteboard.hasFormat(DragPayload::tilesType)) {
         const auto indexes = DragPayload::tiles(pasteboard.data(DragPayload::tilesType));
         if (indexes) {
-            moveTile(*indexes, index);
+            // Only the first of the tiles moves, however many were dragged.
+            session_.favourites().move(*std::min_element(indexes->cbegin(), indexes->cend()), index);
         }
         return indexes.has_value();
     }
     return false;
-}
-
-StationRecord RackActions::newRadioModel(const StationEntry &entry) const
-{
-    auto station = std::make_shared<RadioModel>();
-    station->setName(entry.value(QLatin1StringView("name")));
-    station->setGenre(entry.value(QLatin1StringView("genre")));
-    station->setMid(entry.value(QLatin1StringView("id")));
-    station->setMountType(entry.value(QLatin1StringView("mt")));
-    station->setBitrate(entry.value(QLatin1StringView("bitrate")));
-    station->setVolume(droppedVolume);
-    station->setBass(droppedBass);
-    station->setMidrange(droppedMidrange);
-    station->setTreble(droppedTreble);
-    station->setCustom({});
-    const QString address = droppedStationAddress_(entry);
-    if (!address.isNull()) {
-        station->setUrl(address);
-    }
-    return station;
-}
-
-/// At the front where there is no such index.
-void RackActions::insertStation(const StationRecord &station, qsizetype index)
-{
-    try {
-        rack_.insertObjectAtArrangedObjectIndex(station, index);
-    } catch (const Exception &) {
-        rack_.insertObjectAtArrangedObjectIndex(station, 0);
-    }
-    rack_.rearrangeObjects();
-    qCInfo(lcRack) << "repositioning complete";
-}
-
-/// Only the first of the tiles moves, however many were dragged. The index counts from before the tile was
-/// taken out: one that moves towards the end lands behind the tile that followed the gap.
-void RackActions::moveTile(const QList<qsizetype> &indexes, qsizetype index)
-{
-    try {
-        const qsizetype from = *std::min_element(indexes.cbegin(), indexes.cend());
-        const StationRecord item = elementAt(rack_.radioItemCollectionArray(), from);
-        const qsizetype count = rack_.radioItemCollectionArray().size();
-        if (index > count) {
-            return;
-        }
-        rack_.removeObjectAtArrangedObjectIndex(from);
-        rack_.insertObjectAtArrangedObjectIndex(item, index == count ? rack_.radioItemCollectionArray().size()
-                                                                     : index);
-        rack_.rearrangeObjects();
-    } catch (const Exception &exception) {
-        qCWarning(lcRack).noquote() << "e" << exception.reason();
-    }
 }

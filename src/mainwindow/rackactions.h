@@ -1,13 +1,12 @@
 #pragma once
 
-#include "directory/stationentry.h"
-#include "favourites/favouritesrack.h"
+#include "favourites/radiomodel.h"
 #include "ui/rack/rackview.h"
 
 #include <QObject>
 #include <array>
-#include <functional>
 
+class RadioSession;
 class StationPopover;
 
 /// What the window's layout gives the rack's actions to work with. The window owns them all.
@@ -26,18 +25,14 @@ class RackActions : public QObject, public RackView::Delegate
     Q_OBJECT
 
 public:
-    /// The address that a station keeps which is dropped now; null where there is none.
-    using DroppedStationAddress = std::function<QString(const StationEntry &)>;
-
-    /// The rack must outlive this object.
-    RackActions(FavouritesRack &rack, const RackOutlets &outlets, DroppedStationAddress droppedStationAddress,
-                QObject *parent = nullptr);
+    /// The session must outlive this object.
+    RackActions(RadioSession &session, const RackOutlets &outlets, QObject *parent = nullptr);
 
     /// The station whose tile was clicked last; null where there is none, or it has left the rack.
     StationRecord selectedRadioModel() const { return selectedRadioModel_.lock(); }
     void setSelectedRadioModel(const StationRecord &station) { selectedRadioModel_ = station; }
-    /// A station has been taken off the rack: it is no longer the selected one, and its details close.
-    void forget(const StationRecord &station);
+    /// Makes that favourite the only selected one, and selectedRadioModel().
+    void select(const StationRecord &station);
 
     /// The action of a tile's buttons, told apart by their "tag": 100 opens or closes the details, 101 plays
     /// the station's url. Any of them selects the tile that the sender lies in.
@@ -54,22 +49,14 @@ public:
     /// Takes a station from the table into the rack, or moves a tile. Whether the drop was taken.
     bool collectionViewAcceptDrop(RackView *view, const QMimeData &pasteboard, qsizetype index) override;
 
-Q_SIGNALS:
-    /// A station is to be played from one address.
-    void playRequested(const QString &address, const QString &name);
-    /// One of the user's own stations is to be played from its address fields.
-    void playCustomRequested(const StationRecord &station);
-
 private:
     std::array<StationPopover *, 2> popovers() const;
     StationRecord selectStationOf(const QWidget *sender);
-    StationRecord newRadioModel(const StationEntry &entry) const;
-    void insertStation(const StationRecord &station, qsizetype index);
+    void stationRemoved(const StationRecord &station);
     void followTiles();
-    void moveTile(const QList<qsizetype> &indexes, qsizetype index);
 
+    RadioSession &session_;
     FavouritesRack &rack_;
     RackOutlets outlets_;
-    DroppedStationAddress droppedStationAddress_;
     std::weak_ptr<RadioModel> selectedRadioModel_;
 };

@@ -1,29 +1,23 @@
 #include "mainwindow/rackcommands.h"
 
 #include "mainwindow/rackactions.h"
+#include "session/radiosession.h"
 #include "ui/rack/rackitem.h"
 #include "ui/rack/rackview.h"
 #include "ui/widgets/copytext.h"
 #include "ui_mainwindow.h"
 
 #include <QMenu>
-#include <QMimeData>
-#include <algorithm>
-#include <utility>
 
-RackCommands::RackCommands(const Ui::MainWindow &ui, FavouritesRack &rack, RackActions &actions)
-    : rack_(rack)
+RackCommands::RackCommands(const Ui::MainWindow &ui, RadioSession &session, RackActions &actions)
+    : session_(session)
+    , favourites_(session.favourites())
+    , rack_(favourites_.rack())
     , actions_(actions)
     , view_(*ui.myCollectionView)
 {
     bindMenu(ui);
     connect(&view_, &RackView::activated, this, &RackCommands::play);
-    const auto changed = [this] { removed_.clear(); };
-    connect(&rack_, &FavouritesRack::reset, this, changed);
-    connect(&rack_, &FavouritesRack::inserted, this, changed);
-    connect(&rack_, &FavouritesRack::removed, this, changed);
-    connect(&rack_, &FavouritesRack::edited, this, changed);
-
     const auto enable = [this, &ui] { enableActions(ui); };
     connect(&rack_, &FavouritesRack::selectionChanged, this, enable);
     connect(&rack_, &FavouritesRack::rearranged, this, enable);
@@ -31,6 +25,7 @@ RackCommands::RackCommands(const Ui::MainWindow &ui, FavouritesRack &rack, RackA
     connect(&rack_, &FavouritesRack::inserted, this, enable);
     connect(&rack_, &FavouritesRack::removed, this, enable);
     connect(&rack_, &FavouritesRack::reset, this, enable);
+    connect(&favourites_, &Favourites::canUndoRemovalChanged, this, enable);
     enable();
 }
 
@@ -45,7 +40,8 @@ void RackCommands::bindMenu(const Ui::MainWindow &ui)
     connect(ui.moveRightAction, &QAction::triggered, this, [moveVisually] { moveVisually(1); });
     connect(ui.copyFavouriteNameAction, &QAction::triggered, this, [this] { copy(RadioField::name); });
     connect(ui.copyFavouriteAddressAction, &QAction::triggered, this, [this] { copy(RadioField::url); });
-    connect(ui.removeFavouriteAction, &QAction::triggered, this, &RackCommands::removeSelected);
+    connect(ui.removeFavouriteAction, &QAction::triggered, this,
+            [this] { favourites_.remove(rack_.selectionIndexes()); });
     connect(ui.undoRemovalAction, &QAction::triggered, this, &RackCommands::undoRemoval);
 
     // Keys that mean something else elsewhere.
@@ -73,7 +69,10 @@ void RackCommands::enableActions(const Ui::MainWindow &ui)
           ui.copyFavouriteNameAction, ui.copyFavouriteAddressAction, ui.removeFavouriteAction}) {
         action->setEnabled(any);
     }
-    ui.undoRemovalAction->setEnabled(!removed_.empty());
+    for (QAction *action : {ui.nextFavouriteAction, ui.previousFavouriteAction}) {
+        action->setEnabled(!rack_.radioItemCollectionArray().isEmpty());
+    }
+    ui.undoRemovalAction->setEnabled(favourites_.canUndoRemoval());
 }
 
 qsizetype RackCommands::selectedIndex() const
@@ -91,8 +90,11 @@ const RackItem *RackCommands::itemInView(qsizetype index)
 
 void RackCommands::play(qsizetype index)
 {
-    if (const RackItem *item = itemInView(index)) {
-        actions_.doubleClickRVImage(item->artwork());
+    const StationRecord station = rack_.radioItemCollectionArray().value(index);
+    if (station) {
+        view_.scrollToIndex(index);
+        actions_.select(station);
+        session_.playRecord(station);
     }
 }
 
@@ -107,12 +109,8 @@ void RackCommands::move(int places)
 {
     const qsizetype from = selectedIndex();
     const qsizetype to = from + places;
-    if (from < 0 || to < 0 || to >= rack_.radioItemCollectionArray().size()) {
-        return;
-    }
-    QMimeData pasteboard;
-    if (actions_.collectionViewWriteItemsAtIndexes(&view_, {from}, pasteboard)) {
-        actions_.collectionViewAcceptDrop(&view_, pasteboard, to);
+    if (from >= 0 && to >= 0 && to < rack_.radioItemCollectionArray().size()) {
+        favourites_.move(from, to);
         view_.scrollToIndex(to);
     }
 }
@@ -125,36 +123,9 @@ void RackCommands::copy(RadioField field)
     }
 }
 
-void RackCommands::removeSelected()
-{
-    const QList<qsizetype> indexes = rack_.selectionIndexes();
-    std::vector<Removed> removed;
-    for (auto index = indexes.crbegin(); index != indexes.crend(); ++index) {
-        removed.push_back({rack_.radioItemCollectionArray().at(*index), *index});
-        rack_.removeObjectAtArrangedObjectIndex(*index);
-        actions_.forget(removed.back().station);
-    }
-    if (removed.empty()) {
-        return;
-    }
-    std::reverse(removed.begin(), removed.end());
-    removed_ = std::move(removed);
-    // The tile that has moved up is the next one to be worked on.
-    const qsizetype last = rack_.radioItemCollectionArray().size() - 1;
-    rack_.setSelectionIndexes({std::min(removed_.front().index, last)});
-    rack_.rearrangeObjects();
-}
-
 void RackCommands::undoRemoval()
 {
-    QList<qsizetype> indexes;
-    for (const Removed &one : std::exchange(removed_, {})) {
-        rack_.insertObjectAtArrangedObjectIndex(one.station, one.index);
-        indexes.append(one.index);
-    }
-    if (!indexes.isEmpty()) {
-        rack_.setSelectionIndexes(indexes);
-        rack_.rearrangeObjects();
-        view_.scrollToIndex(indexes.constFirst());
+    if (const qsizetype index = favourites_.undoRemoval(); index >= 0) {
+        view_.scrollToIndex(index);
     }
 }

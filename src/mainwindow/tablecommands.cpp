@@ -1,6 +1,6 @@
 #include "mainwindow/tablecommands.h"
 
-#include "mainwindow/rackactions.h"
+#include "session/radiosession.h"
 #include "ui/rack/rackview.h"
 #include "ui/table/stationtable.h"
 #include "ui/widgets/copytext.h"
@@ -9,21 +9,23 @@
 #include <QActionGroup>
 #include <QHeaderView>
 #include <QMenu>
-#include <QMimeData>
 #include <algorithm>
-#include <utility>
 
-TableCommands::TableCommands(const Ui::MainWindow &ui, StationTable &stations, RackActions &actions,
-                             RowText rowAddress)
+TableCommands::TableCommands(const Ui::MainWindow &ui, StationTable &stations, RadioSession &session)
     : table_(*ui.myTableView)
     , rackView_(*ui.myCollectionView)
     , stations_(stations)
-    , actions_(actions)
-    , rowAddress_(std::move(rowAddress))
+    , session_(session)
 {
     connect(ui.addFavouriteAction, &QAction::triggered, this, &TableCommands::addToRack);
-    connect(ui.copyStationNameAction, &QAction::triggered, this, &TableCommands::copyName);
-    connect(ui.copyStationAddressAction, &QAction::triggered, this, &TableCommands::copyAddress);
+    connect(ui.copyStationNameAction, &QAction::triggered, this, [this] {
+        const StationEntry *station = selectedStation();
+        copyText(station != nullptr ? station->text(QLatin1StringView("name")) : QString());
+    });
+    connect(ui.copyStationAddressAction, &QAction::triggered, this, [this] {
+        const StationEntry *station = selectedStation();
+        copyText(station != nullptr ? session_.directory().playAddress(*station) : QString());
+    });
     // Keys that mean something else where text is edited.
     for (QAction *action : {ui.addFavouriteAction, ui.copyStationNameAction, ui.copyStationAddressAction}) {
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
@@ -55,31 +57,17 @@ void TableCommands::fillSortMenu(QMenu &menu)
     });
 }
 
-void TableCommands::addToRack()
-{
-    QMimeData pasteboard;
-    if (stations_.tableViewWriteRowsWithIndexes(&table_, table_.selectedRows(), pasteboard)) {
-        const qsizetype end = rackView_.numberOfItems();
-        actions_.collectionViewAcceptDrop(&rackView_, pasteboard, end);
-        rackView_.scrollToIndex(end);
-    }
-}
-
-void TableCommands::copyName()
-{
-    copy([this](int row) {
-        return stations_.tableViewObjectValueForTableColumn(&table_, QLatin1StringView("id_station"), row)
-            .toString();
-    });
-}
-
-void TableCommands::copyAddress()
-{
-    copy(rowAddress_);
-}
-
-void TableCommands::copy(const RowText &textOf)
+const StationEntry *TableCommands::selectedStation() const
 {
     const QList<int> rows = table_.selectedRows();
-    copyText(rows.isEmpty() ? QString() : textOf(*std::max_element(rows.cbegin(), rows.cend())));
+    return rows.isEmpty() ? nullptr : &stations_.stationAt(*std::max_element(rows.cbegin(), rows.cend()));
+}
+
+void TableCommands::addToRack()
+{
+    if (const StationEntry *station = selectedStation()) {
+        const qsizetype end = rackView_.numberOfItems();
+        session_.favourites().add(*station, end);
+        rackView_.scrollToIndex(end);
+    }
 }

@@ -93,11 +93,17 @@ void StreamPlayback::timerDone()
         stopTimeout();
         return;
     }
-    destroyPlayer();
+    endPlayer(PlaybackState::Failed);
+    setProgress(PlaybackState::Failed);
     Q_EMIT statusChanged(QStringLiteral("Server is not responding"));
 }
 
 void StreamPlayback::destroyPlayer()
+{
+    endPlayer(PlaybackState::Stopped);
+}
+
+void StreamPlayback::endPlayer(PlaybackState ending)
 {
     if (!myBackendPlayer_ || !playeritem()) {
         return;
@@ -107,6 +113,7 @@ void StreamPlayback::destroyPlayer()
     stopObservingItem();
     playeritem_.set(nullptr);
     myBackendPlayer_.reset();
+    setProgress(ending);
     Q_EMIT titleChanged(QStringLiteral("idle"));
     Q_EMIT statusChanged(QStringLiteral("Terminated / lost connection"));
     isPlaying_ = false;
@@ -135,7 +142,12 @@ StreamPlayback::Toggle StreamPlayback::togglePause()
 
 double StreamPlayback::beginStart(const QString &name)
 {
+    // Before the old player goes, so that what it was doing is not reported once more.
+    station_ = name;
+    progress_ = PlaybackState::Connecting;
     detachPlayer();
+    Q_EMIT started();
+    reportState();
     Q_EMIT titleChanged(name);
     Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
     stopTimeout();
@@ -226,10 +238,12 @@ void StreamPlayback::playerStatusChanged()
 {
     switch (myBackendPlayer_->status()) {
     case BackendPlayer::ReadyToPlay:
+        setProgress(PlaybackState::Connecting);
         Q_EMIT statusChanged(QStringLiteral("Connecting please wait.."));
         break;
     case BackendPlayer::Unknown:
     case BackendPlayer::Failed:
+        setProgress(PlaybackState::Failed);
         Q_EMIT statusChanged(QStringLiteral("Failed"));
         break;
     }
@@ -238,23 +252,47 @@ void StreamPlayback::playerStatusChanged()
 void StreamPlayback::itemChanged(QStringView keyPath, const QVariant &newValue)
 {
     if (keyPath == KeyPath::playbackLikelyToKeepUp) {
+        setProgress(PlaybackState::Buffering);
         Q_EMIT statusChanged(QStringLiteral("Buffering .."));
     } else if (keyPath == KeyPath::loadedTimeRanges) {
         if (!newValue.toList().isEmpty()) {
             isPlaying_ = isRunning(*myBackendPlayer_);
+            setProgress(PlaybackState::Playing);
             Q_EMIT statusChanged(isPlaying_ ? QStringLiteral("- Streaming -") : QStringLiteral("Disconnect"));
         }
     } else if (keyPath == KeyPath::playbackBufferEmpty) {
         Q_EMIT statusChanged(QStringLiteral("Lost connection !"));
-        destroyPlayer();
+        endPlayer(PlaybackState::Failed);
     } else if (keyPath == KeyPath::playbackBufferFull) {
         // A full buffer ends playback exactly like an empty one.
         Q_EMIT statusChanged(QStringLiteral("Buffer is full !"));
-        destroyPlayer();
+        endPlayer(PlaybackState::Stopped);
     }
 }
 
 void StreamPlayback::reportRunning()
 {
     Q_EMIT runningChanged(myBackendPlayer_ && isRunning(*myBackendPlayer_));
+    reportState();
+}
+
+PlaybackState StreamPlayback::state() const
+{
+    const bool isUnderWay = progress_ != PlaybackState::Stopped && progress_ != PlaybackState::Failed;
+    return isUnderWay && myBackendPlayer_ && !isRunning(*myBackendPlayer_) ? PlaybackState::Paused
+                                                                           : progress_;
+}
+
+void StreamPlayback::setProgress(PlaybackState progress)
+{
+    progress_ = progress;
+    reportState();
+}
+
+void StreamPlayback::reportState()
+{
+    const PlaybackState now = state();
+    if (now != std::exchange(reportedState_, now)) {
+        Q_EMIT stateChanged(now);
+    }
 }

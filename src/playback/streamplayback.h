@@ -3,6 +3,7 @@
 #include "base/atomicfield.h"
 #include "favourites/radiomodel.h"
 #include "playback/backend.h"
+#include "playback/playbackstate.h"
 
 #include <QObject>
 #include <QThreadPool>
@@ -11,8 +12,8 @@
 
 class QTimer;
 
-/// Starts streams, turns what the player reports and the time-out of a start into the two status texts, and
-/// tears the player down.
+/// Starts streams, turns what the player reports and the time-out of a start into a state and the two status
+/// texts, and tears the player down.
 ///
 /// Everything runs on the main thread but the making of an item, which happens on a thread of its own, one
 /// item at a time and in the order of the starts.
@@ -66,6 +67,9 @@ public:
     const QTimer *globalTimer() const { return globalTimer_.get(); }
     /// Whether a stream is known to be playing.
     bool isPlaying() const { return isPlaying_; }
+    PlaybackState state() const;
+    /// The name that the latest start was given; null before the first.
+    const QString &station() const { return station_; }
 
 Q_SIGNALS:
     void titleChanged(const QString &text);
@@ -73,6 +77,10 @@ Q_SIGNALS:
     void statusChanged(const QString &text);
     /// Whether there is a player whose rate is not 0; sent whenever that may have changed.
     void runningChanged(bool running);
+    /// A stream of the name station() is being started.
+    void started();
+    /// On a real change only; it has been sent by the time that the texts which go with it are.
+    void stateChanged(PlaybackState state);
     /// destroyPlayer() has ended a player.
     void tornDown();
 
@@ -92,6 +100,10 @@ private:
     void playerStatusChanged();
     void itemChanged(QStringView keyPath, const QVariant &newValue);
     void reportRunning();
+    /// `progress` is what the state is while nobody pauses.
+    void setProgress(PlaybackState progress);
+    void reportState();
+    void endPlayer(PlaybackState ending);
 
     struct DeleteLater
     {
@@ -106,5 +118,9 @@ private:
     /// Ended from within its own signal, and so never deleted on the spot.
     std::unique_ptr<QTimer, DeleteLater> globalTimer_;
     bool isPlaying_ = false;
+    QString station_;
+    /// The state but for a pause, which is told by the player.
+    PlaybackState progress_ = PlaybackState::Stopped;
+    PlaybackState reportedState_ = PlaybackState::Stopped;
     QThreadPool itemMaker_;
 };

@@ -63,7 +63,7 @@ void TestHearAStation::pauseKeepsTheConnection()
     stage.statuses.clear();
     stage.click(u"transportPlayButton"_s);
     // What is loaded meanwhile does not talk over the pause.
-    QSignalSpy anything(&stage.window.player().streamPlayback(), &StreamPlayback::statusChanged);
+    QSignalSpy anything(&stage.playback, &StreamPlayback::statusChanged);
     QVERIFY(!anything.wait(2500));
     stage.click(u"transportPlayButton"_s);
     QTRY_COMPARE(stage.statuses, (QStringList{u"Paused (buffering in background)"_s, u"- Streaming -"_s}));

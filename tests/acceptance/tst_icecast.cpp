@@ -105,7 +105,7 @@ void TestIcecast::endedSourcesArePlayedOut()
 
     QVERIFY(icecast_.endSource("/tone.mp3"));
     // The server has nothing more to send, and the burst goes on for seconds.
-    QSignalSpy ended(&stage.window.player().streamPlayback(), &StreamPlayback::tornDown);
+    QSignalSpy ended(&stage.playback, &StreamPlayback::tornDown);
     QVERIFY(!ended.wait(1000));
     QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
     QCOMPARE(stage.text(u"playerStatusString"_s), u"idle"_s);

@@ -79,7 +79,7 @@ struct SoundStage : Stage
     {
         statuses.clear();
         const qsizetype begin = recorder.size();
-        window.player().streamPlayback().playRadioFromURL(address, address);
+        playback.playRadioFromURL(address, address);
         return QTest::qWaitFor(
             [&] { return statuses.contains(streaming) && levelOf(recorder.samples(begin)) > 0; }, soundTime);
     }
@@ -262,7 +262,7 @@ void TestSound::soundServerMayGoAndCome()
 
     QTest::ignoreMessage(QtWarningMsg, "no sound server answers; playing unheard until one does");
     server_.end();
-    QSignalSpy reports(&stage.window.player().streamPlayback(), &StreamPlayback::statusChanged);
+    QSignalSpy reports(&stage.playback, &StreamPlayback::statusChanged);
     QTRY_VERIFY_WITH_TIMEOUT(reports.size() >= 3, Stage::soundTime);
     server_.start();
     SoundRecorder again;

@@ -62,17 +62,17 @@ void TestApp::environmentDefaults()
     QProcessEnvironment variables;
     const auto plain = std::get<Environment>(Environment::from(variables));
     QVERIFY(plain.audioOutput.isAutomatic());
-    QVERIFY(plain.endpoints.service.baseAddress.endsWith(u'/'));
-    QVERIFY(!plain.endpoints.tuneInBaseAddress.endsWith(u'/'));
+    QVERIFY(plain.directory.baseAddress.endsWith(u'/'));
+    QVERIFY(!plain.directory.tuneInBaseAddress.endsWith(u'/'));
 
     variables.insert(u"PLUMTIDE_DIRECTORY_URL"_s, u"http://h/api"_s);
     variables.insert(u"PLUMTIDE_TUNEIN_URL"_s, u"http://h/"_s);
     variables.insert(u"PLUMTIDE_DIRECTORY_KEY"_s, u"secret"_s);
     variables.insert(u"PLUMTIDE_AUDIO_OUTPUT"_s, u"pcm:/tmp/x.wav"_s);
     const auto set = std::get<Environment>(Environment::from(variables));
-    QCOMPARE(set.endpoints.service.baseAddress, u"http://h/api/"_s);
-    QCOMPARE(set.endpoints.tuneInBaseAddress, u"http://h"_s);
-    QCOMPARE(set.endpoints.service.developerKey, u"secret"_s);
+    QCOMPARE(set.directory.baseAddress, u"http://h/api/"_s);
+    QCOMPARE(set.directory.tuneInBaseAddress, u"http://h"_s);
+    QCOMPARE(set.directory.developerKey, u"secret"_s);
     QCOMPARE(set.audioOutput.file(), u"/tmp/x.wav"_s);
 }
 

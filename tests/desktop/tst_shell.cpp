@@ -125,20 +125,22 @@ void TestShell::closing()
 void TestShell::toolTips_data()
 {
     QTest::addColumn<QString>("station");
-    QTest::addColumn<TrayIcon::Playing>("playing");
+    QTest::addColumn<PlaybackState>("state");
     QTest::addColumn<QString>("toolTip");
-    QTest::newRow("running") << u"Ava & Co"_s << TrayIcon::Playing::Running << u"Ava & Co"_s;
-    QTest::newRow("paused") << u"Ava"_s << TrayIcon::Playing::Paused << u"Plumtide"_s;
-    QTest::newRow("idle") << u"idle"_s << TrayIcon::Playing::Nothing << u"Plumtide"_s;
-    QTest::newRow("no name") << QString() << TrayIcon::Playing::Running << u"Plumtide"_s;
-    QTest::newRow("hostile") << u"<b>a\nb</b>"_s << TrayIcon::Playing::Running << u"‹b›a b‹/b›"_s;
+    QTest::newRow("running") << u"Ava & Co"_s << PlaybackState::Playing << u"Ava & Co"_s;
+    QTest::newRow("paused") << u"Ava"_s << PlaybackState::Paused << u"Plumtide"_s;
+    QTest::newRow("connecting") << u"Ava"_s << PlaybackState::Connecting << u"Ava"_s;
+    QTest::newRow("stopped") << QString() << PlaybackState::Stopped << u"Plumtide"_s;
+    QTest::newRow("failed") << u"Ava"_s << PlaybackState::Failed << u"Plumtide"_s;
+    QTest::newRow("no name") << QString() << PlaybackState::Playing << u"Plumtide"_s;
+    QTest::newRow("hostile") << u"<b>a b</b>"_s << PlaybackState::Playing << u"‹b›a b‹/b›"_s;
 }
 
 void TestShell::toolTips()
 {
     QFETCH(QString, station);
-    QFETCH(TrayIcon::Playing, playing);
-    QTEST(TrayIcon::toolTip(station, playing), "toolTip");
+    QFETCH(PlaybackState, state);
+    QTEST(TrayIcon::toolTip({.state = state, .station = station}), "toolTip");
 }
 
 void TestShell::activations_data()

@@ -13,7 +13,7 @@ public:
     explicit DirectoryStage(const QString &directory)
         : Stage(directory)
     {
-        QObject::connect(&window.player().stationDirectory(), &StationDirectory::busyChanged, &window,
+        QObject::connect(&program.directory, &StationDirectory::busyChanged, &window,
                          [this](bool busy) { busy_ = busy; });
     }
 

@@ -52,12 +52,12 @@ void fuzzDirectoryAnswer(const QByteArray &data)
 {
     StationDirectory directory({}, [] { return QString(); });
     int reloads = 0;
-    QObject::connect(&directory, &StationDirectory::stationsReloaded, [&reloads] { ++reloads; });
+    QObject::connect(&directory, &StationDirectory::answered, [&reloads] { ++reloads; });
     directory.takeAnswer(FetchOutcome(data), StationDirectory::stationListModel);
     const StationList first = directory.radioData();
     require(reloads == 1);
     require(first.size() <= StationDirectory::maximumStations);
-    require(first.isEmpty() || directory.outcome() == StationDirectory::Outcome::Read);
+    require(first.isEmpty() || directory.answer().outcome == DirectoryAnswer::Outcome::Read);
     for (const StationEntry &station : first) {
         require(displayText(station.text(QLatin1StringView("name"))).size() <= maximumDisplayLength);
     }

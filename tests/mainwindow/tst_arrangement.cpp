@@ -114,7 +114,7 @@ void TestArrangement::appearanceIsKept()
     {
         NextStart start;
         QVERIFY(start.find<QAction>(u"desktopAppearanceAction"_s)->isChecked());
-        const QSignalSpy chosen(start.window.get(), &MainWindow::appearanceChosen);
+        const QSignalSpy chosen(start.window, &MainWindow::appearanceChosen);
         start.find<QAction>(u"darkAppearanceAction"_s)->trigger();
         QCOMPARE(chosen.size(), 1);
     }

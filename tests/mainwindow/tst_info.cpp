@@ -1,5 +1,5 @@
+#include "app/program.h"
 #include "base/displaytext.h"
-#include "mainwindow/mainwindow.h"
 #include "settings/statefile.h"
 #include "support/fakebackend.h"
 #include "ui/panels/historypopover.h"
@@ -29,7 +29,8 @@ const QString endless = QString(4000, u'W');
 struct Stage
 {
     Stage()
-        : window({{.baseAddress = u"http://127.0.0.1:1/"_s}, u"http://127.0.0.1:1"_s}, backend, state)
+        : program({.baseAddress = u"http://127.0.0.1:1/"_s, .tuneInBaseAddress = u"http://127.0.0.1:1"_s},
+                  backend, state)
     {
         window.show();
         active = QTest::qWaitForWindowActive(&window);
@@ -64,7 +65,7 @@ struct Stage
         }
         return texts;
     }
-    void play(const QString &station) { window.player().streamPlayback().playRadioFromURL(u"x"_s, station); }
+    void play(const QString &station) { program.session.playback().playRadioFromURL(u"x"_s, station); }
     void hear(const QString &title, int buffered = 0)
     {
         backend.heard.setInfo({.title = title, .codec = u"MP3"_s, .bitrate = 128, .buffered = buffered});
@@ -73,7 +74,8 @@ struct Stage
 
     FakeBackend backend;
     StateFile state;
-    MainWindow window;
+    Program program;
+    MainWindow &window = program.window;
     bool active;
 };
 } // namespace

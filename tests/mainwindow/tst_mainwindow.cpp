@@ -76,7 +76,7 @@ void TestMainWindow::startShowsTheTopStations()
     for (QWidget *control : stage.window->findChildren<QWidget *>()) {
         const bool used =
             control->focusPolicy() != Qt::NoFocus || qobject_cast<QToolButton *>(control) != nullptr;
-        if (used && control->isVisibleTo(stage.window.get())) {
+        if (used && control->isVisibleTo(stage.window)) {
             const QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(control);
             QVERIFY2(!seen->text(QAccessible::Name).isEmpty(), qPrintable(control->objectName()));
         }
@@ -127,7 +127,7 @@ void TestMainWindow::columnsSort()
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     stage.clickHeader(section);
     QCOMPARE(stage.column(1), ascending);
-    QCOMPARE(stage.window->player().stationDirectory().radioData().at(3).text("name"_L1).simplified(),
+    QCOMPARE(stage.window->player().stationTable().stationAt(3).text("name"_L1).simplified(),
              ascending.at(3).simplified());
     if (section == 5) {
         stage.clickHeader(section);
@@ -292,7 +292,7 @@ void TestMainWindow::keysGoWhereTheyAreMeant()
 {
     Stage stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
-    QVERIFY(QTest::qWaitForWindowActive(stage.window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(stage.window));
     const QSignalSpy playPause(stage.find<QAction>(u"spaceKeyAction"_s), &QAction::triggered);
     const QSignalSpy stopped(stage.find<QToolButton>(u"transportStopButton"_s), &QToolButton::clicked);
     QTest::keyClick(stage.table(), Qt::Key_N, Qt::ControlModifier);
@@ -349,7 +349,7 @@ void TestMainWindow::cellsThatAreHeldFollowTheTable()
     cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     QCOMPARE(stage.title(), u"station 9"_s);
     const QAccessible::Id id = QAccessible::uniqueId(cell);
-    stage.window.reset();
+    stage.program.reset();
     QVERIFY(QAccessible::accessibleInterface(id) == nullptr);
 }
 
@@ -363,11 +363,12 @@ void TestMainWindow::storedSettingsAreRead()
         settings.setValue("query_value", 100);
         settings.setValue("timeout_value", 20);
     }
-    MainWindow second({{.baseAddress = stage.server.address(u"/"_s)}, u"http://tune.example"_s},
-                      stage.backend, *stage.state);
+    Program second(
+        {.baseAddress = stage.server.address(u"/"_s), .tuneInBaseAddress = u"http://tune.example"_s},
+        stage.backend, *stage.state);
     QTRY_COMPARE(stage.server.requests().size(), 2);
     QVERIFY(stage.server.targets().at(1).endsWith("&limit=100"));
-    second.player().streamPlayback().executeSynchAVPlayer(u"http://h/"_s, u"x"_s);
+    second.session.playback().executeSynchAVPlayer(u"http://h/"_s, u"x"_s);
     QTRY_VERIFY(stage.backend.player != nullptr);
     QCOMPARE(stage.backend.player->item().request.timeout, 20.0);
 }
@@ -394,10 +395,10 @@ void TestMainWindow::closingTheWindow()
     QVERIFY(stage.window->isVisible() && stage.window->isMinimized());
     closing = MainWindow::Closing::Hides;
     stage.doubleClick(stage.middleOf(0));
-    QTRY_VERIFY(stage.window->player().streamPlayback().myBackendPlayer());
+    QTRY_VERIFY(stage.program->session.playback().myBackendPlayer());
     stage.find<QAction>(u"closeWindowAction"_s)->trigger();
     QVERIFY(!stage.window->isVisible());
-    QVERIFY(stage.window->player().streamPlayback().myBackendPlayer());
+    QVERIFY(stage.program->session.playback().myBackendPlayer());
     stage.window->show();
     QCOMPARE(stage.title(), u"Station 10"_s);
     QCOMPARE(stage.table()->model()->rowCount(), 4);

@@ -60,12 +60,12 @@ struct Stage : WindowStage
         }
         rack().setRadioItemCollectionArray(stations);
         // There are tiles only where they are seen.
-        if (!QTest::qWaitForWindowExposed(window.get())) {
+        if (!QTest::qWaitForWindowExposed(window)) {
             qFatal("the window never came");
         }
     }
 
-    FavouritesRack &rack() { return window->player().favouritesRack(); }
+    FavouritesRack &rack() { return program->session.favourites().rack(); }
     RackActions &actions() { return window->player().rackActions(); }
     RackView *view() { return find<RackView>(u"myCollectionView"_s); }
     StationPopover *popover(const QString &name) { return find<StationPopover>(name); }
@@ -351,7 +351,7 @@ void TestRack::keysReachTheTiles()
 {
     Stage stage(u"ABCDEFGHIJ"_s);
     stage.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(stage.window.get()));
+    QVERIFY(QTest::qWaitForWindowActive(stage.window));
     for (const StationRecord &station : stage.rack().radioItemCollectionArray()) {
         station->setUrl(u"http://host/"_s);
     }
@@ -440,7 +440,7 @@ void TestRack::preferencesRuleTheNextRequest()
     stage.trigger(u"topStationsAction"_s);
     QTRY_COMPARE(stage.server.requests().size(), 2);
     QVERIFY(stage.server.targets().at(1).endsWith("&limit=200"));
-    stage.actions().playRequested(u"http://host/"_s, u"x"_s);
+    stage.program->session.playback().playRadioFromURL(u"http://host/"_s, u"x"_s);
     QTRY_VERIFY(stage.backend.player != nullptr);
     QCOMPARE(stage.backend.player->item().request.timeout, 10.0);
 }
@@ -452,7 +452,7 @@ void TestRack::pointerFillsAndOrdersTheRack()
     }
     Stage stage;
     QVERIFY(stage.loadStations());
-    QVERIFY(QTest::qWaitForWindowExposed(stage.window.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(stage.window));
     const auto rowPoint = [&stage](int row) {
         return stage.table()->viewport()->mapToGlobal(stage.middleOf(row));
     };
@@ -511,13 +511,13 @@ void TestRack::rackIsSavedOnTheNoticeAlone()
         QLoggingCategory::setFilterRules(u"*.info=false"_s);
         stage.window->player().radioDataChanges(Player::willTerminate);
         QLoggingCategory::setFilterRules({});
-        QCOMPARE(WindowStage({}).window->player().favouritesRack().radioItemCollectionArray().size(), 3);
+        QCOMPARE(WindowStage({}).program->session.favourites().rack().radioItemCollectionArray().size(), 3);
         stage.rack().addObject(named(u"D"_s));
         stage.trigger(u"saveRackAction"_s);
     }
     WindowStage next(answerOf(1, {}));
     QTRY_COMPARE(next.table()->model()->rowCount(), 1);
-    QCOMPARE(next.window->player().favouritesRack().radioItemCollectionArray().size(), 4);
+    QCOMPARE(next.program->session.favourites().rack().radioItemCollectionArray().size(), 4);
     QVERIFY(QDir(QFileInfo(file).path()).removeRecursively());
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u".*plumtide.data.*"_s));
     QTest::ignoreMessage(QtInfoMsg, "com.ostrel.plumtide.save_data_success 0");

@@ -1,4 +1,4 @@
-#include "mainwindow/mainwindow.h"
+#include "app/program.h"
 #include "playback/keypath.h"
 #include "settings/statefile.h"
 #include "support/fakebackend.h"
@@ -24,7 +24,8 @@ namespace {
 struct Stage
 {
     Stage()
-        : window({{.baseAddress = u"http://127.0.0.1:1/"_s}, u"http://127.0.0.1:1"_s}, backend, state)
+        : program({.baseAddress = u"http://127.0.0.1:1/"_s, .tuneInBaseAddress = u"http://127.0.0.1:1"_s},
+                  backend, state)
     {
         window.show();
         active = QTest::qWaitForWindowActive(&window);
@@ -39,7 +40,7 @@ struct Stage
     void press(const QString &button) { find<QAbstractButton>(button)->click(); }
     bool play()
     {
-        window.player().streamPlayback().playRadioFromURL(u"http://h/"_s, u"x"_s);
+        program.session.playback().playRadioFromURL(u"http://h/"_s, u"x"_s);
         const auto players = backend.journal.lines().count(u"player"_s);
         return QTest::qWaitFor([=, this] { return backend.journal.lines().count(u"player"_s) > players; });
     }
@@ -53,7 +54,8 @@ struct Stage
 
     FakeBackend backend;
     StateFile state;
-    MainWindow window;
+    Program program;
+    MainWindow &window = program.window;
     bool active;
 };
 } // namespace
@@ -103,7 +105,7 @@ void TestSoundBinding::popoverStaysAndCloses()
     const std::pair<const char *, std::function<void()>> ends[] = {
         {"Esc", [&] { QTest::keyClick(&stage.window, Qt::Key_Escape); }},
         {"stop", [&] { stage.press(u"transportStopButton"_s); }},
-        {"time-out", [&] { stage.window.player().streamPlayback().timerDone(); }},
+        {"time-out", [&] { stage.program.session.playback().timerDone(); }},
         {"full", [&] { stage.backend.player->item().report(KeyPath::playbackBufferFull); }},
         {"lost", [&] { stage.backend.player->item().report(KeyPath::playbackBufferEmpty); }},
     };

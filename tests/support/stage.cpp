@@ -24,16 +24,15 @@ const QStringList Stage::silence{connecting, terminated, notResponding};
 Stage::Stage(const QString &directory, const AudioOutput &output)
     : backend(output)
     , settings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s)
-    , window({{.baseAddress = directory + u'/'}, directory}, backend, state)
+    , program({.baseAddress = directory + u'/', .tuneInBaseAddress = directory}, backend, state)
 {
     std::setlocale(LC_NUMERIC, "C");
     settings.clear();
-    QObject::connect(&window.player().streamPlayback(), &StreamPlayback::statusChanged,
-                     [this](const QString &status) {
-                         if (statuses.isEmpty() || statuses.constLast() != status) {
-                             statuses.append(status);
-                         }
-                     });
+    QObject::connect(&playback, &StreamPlayback::statusChanged, [this](const QString &status) {
+        if (statuses.isEmpty() || statuses.constLast() != status) {
+            statuses.append(status);
+        }
+    });
     window.show();
 }
 
@@ -68,7 +67,7 @@ void Stage::doubleClick(int row)
 void Stage::play(const StationRecord &station)
 {
     statuses.clear();
-    window.player().streamPlayback().playRadioCustomWithObject(station);
+    program.session.playRecord(station);
 }
 
 StationRecord privateStation(const QUrl &server, const QString &mountpoint, const QVariant &username,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mainwindow/mainwindow.h"
+#include "app/program.h"
 #include "playback/mpv/audiooutput.h"
 #include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
@@ -44,7 +44,9 @@ public:
     MpvBackend backend;
     QSettings settings;
     StateFile state;
-    MainWindow window;
+    Program program;
+    MainWindow &window = program.window;
+    StreamPlayback &playback = program.session.playback();
     /// The status texts since the last double click; one that is repeated stands here once.
     QStringList statuses;
 };

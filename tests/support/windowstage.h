@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mainwindow/mainwindow.h"
+#include "app/program.h"
 #include "settings/statefile.h"
 #include "support/fakebackend.h"
 #include "support/scriptedserver.h"
@@ -30,10 +30,11 @@ struct WindowStage
             QFile::remove(StateFile::path());
         }
         state = std::make_unique<StateFile>();
-        window = std::make_unique<MainWindow>(
-            DirectoryEndpoints{{.baseAddress = server.address(QStringLiteral("/"))},
-                               QStringLiteral("http://tune.example")},
+        program = std::make_unique<Program>(
+            DirectoryService{.baseAddress = server.address(QStringLiteral("/")),
+                             .tuneInBaseAddress = QStringLiteral("http://tune.example")},
             backend, *state);
+        window = &program->window;
         window->show();
     }
 
@@ -70,5 +71,6 @@ struct WindowStage
     ScriptedServer server;
     FakeBackend backend;
     std::unique_ptr<StateFile> state;
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<Program> program;
+    MainWindow *window = nullptr;
 };

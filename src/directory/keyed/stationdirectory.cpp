@@ -2,14 +2,13 @@
 
 #include "base/displaytext.h"
 #include "base/exception.h"
+#include "base/rvobject.h"
+#include "directory/keyed/tuneinaddress.h"
 #include "http/address.h"
 
 #include <QLoggingCategory>
 #include <QPointer>
-#include <algorithm>
-#include <numeric>
 #include <utility>
-#include <vector>
 
 namespace {
 Q_LOGGING_CATEGORY(lcDirectory, "plumtide.directory")
@@ -20,7 +19,7 @@ constexpr int maximumLoggedRuns = 1000;
 } // namespace
 
 StationDirectory::StationDirectory(DirectoryService service, StoredLimit storedLimit, QObject *parent)
-    : QObject(parent)
+    : DirectorySource(parent)
     , service_(std::move(service))
     , storedLimit_(std::move(storedLimit))
 {
@@ -68,7 +67,7 @@ void StationDirectory::takeAnswer(const FetchOutcome &outcome, int model)
         // The status line keeps saying what was tried; the reason is for the log.
         qCWarning(lcDirectory).noquote()
             << "no answer from the directory:" << displayText(error->description);
-        showNoStations(Outcome::NoAnswer);
+        showNoStations(DirectoryAnswer::Outcome::NoAnswer);
         return;
     }
     Q_EMIT statusChanged(QStringLiteral("Download Complete"));
@@ -88,25 +87,27 @@ void StationDirectory::updateReadWriteData()
             entries.append(raw.withNumbers());
         }
         radioData_ = std::move(entries);
-        outcome_ = Outcome::Read;
-        Q_EMIT stationsReloaded();
+        outcome_ = DirectoryAnswer::Outcome::Read;
+        Q_EMIT answered();
     } catch (const Exception &) {
         // Whoever shows the list could not take it: better none than half of one.
-        showNoStations(Outcome::Unusable);
+        showNoStations(DirectoryAnswer::Outcome::Unusable);
     }
 }
 
-void StationDirectory::sortRadioData(const RowComparison &before)
+void StationDirectory::requestSearch(const QString &text)
 {
-    std::vector<qsizetype> rows(static_cast<std::size_t>(radioData_.size()));
-    std::iota(rows.begin(), rows.end(), 0);
-    std::stable_sort(rows.begin(), rows.end(), before);
-    StationList sorted;
-    sorted.reserve(radioData_.size());
-    for (const qsizetype row : rows) {
-        sorted.append(radioData_.at(row));
-    }
-    radioData_ = std::move(sorted);
+    getRadioByQuery(RVObject::airAPIFormatStyle(text));
+}
+
+QString StationDirectory::playAddress(const StationEntry &station) const
+{
+    return tuneInAddress(service_.tuneInBaseAddress, radiocallbackData500_, station);
+}
+
+QString StationDirectory::favouriteAddress(const StationEntry &station) const
+{
+    return droppedStationAddress(service_.tuneInBaseAddress, radiocallbackData500_, station);
 }
 
 QString StationDirectory::address(const QString &path) const
@@ -128,15 +129,15 @@ void StationDirectory::parse(const QByteArray &answer)
         qCWarning(lcDirectory).noquote()
             << "the directory's answer is not usable:" << parserSC500_->errorText();
         radiocallbackData500_.clear();
-        showNoStations(Outcome::Unusable);
+        showNoStations(DirectoryAnswer::Outcome::Unusable);
     }
 }
 
-void StationDirectory::showNoStations(Outcome outcome)
+void StationDirectory::showNoStations(DirectoryAnswer::Outcome outcome)
 {
     radioData_ = {};
     outcome_ = outcome;
-    Q_EMIT stationsReloaded();
+    Q_EMIT answered();
 }
 
 void StationDirectory::parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
@@ -173,7 +174,7 @@ void StationDirectory::parserDidEndElement(AnswerParser &, QByteArrayView)
 void StationDirectory::parserDidEndDocument(AnswerParser &)
 {
     if (xmlError_) {
-        showNoStations(Outcome::Unusable);
+        showNoStations(DirectoryAnswer::Outcome::Unusable);
     } else {
         updateReadWriteData();
     }

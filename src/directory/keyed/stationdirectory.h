@@ -1,48 +1,34 @@
 #pragma once
 
+#include "directory/directorysource.h"
 #include "directory/keyed/answerparser.h"
-#include "directory/stationentry.h"
 #include "http/jsonfecther.h"
 
-#include <QObject>
-#include <QUrl>
 #include <functional>
 #include <memory>
 
-/// Where the directory is asked, and with which developer key.
+/// Where the directory is asked, with which developer key, and where its stations are tuned in to.
 struct DirectoryService
 {
     /// Ends in "/".
     QString baseAddress = QStringLiteral("http://api.shoutcast.com/");
     QString developerKey = QStringLiteral("Rk4TnW8pLq2ZbX7m");
+    /// Scheme and host of the tune-in endpoint, without a trailing "/".
+    QString tuneInBaseAddress = QStringLiteral("http://yp.shoutcast.com");
 };
 
-/// The directory client: asks the service for stations and holds its latest answer.
+/// The client of a directory that is asked with a developer key and answers in XML; holds its latest answer.
 ///
-/// Everything runs on the thread that the object lives in, parsing included. Requests are neither cancelled
-/// nor queued: the answer that arrives last decides what the lists hold. A successful answer is delivered,
-/// and therefore parsed, twice.
-class StationDirectory : public QObject, private AnswerParserDelegate
+/// Everything runs on the thread that the object lives in, parsing included. A successful answer is
+/// delivered, and therefore parsed, twice. How a station is reached is told by the last tune-in record of the
+/// latest answer; see tuneInAddress().
+class StationDirectory : public DirectorySource, private AnswerParserDelegate
 {
     Q_OBJECT
 
 public:
     /// The text form of the stored result limit; null where none is stored.
     using StoredLimit = std::function<QString()>;
-
-    /// Whether the station in row `left` of the list as it stands goes before the one in row `right`.
-    using RowComparison = std::function<bool(qsizetype left, qsizetype right)>;
-
-    /// What came of the request whose answer arrived last.
-    enum class Outcome {
-        /// None has arrived.
-        Awaited,
-        /// There is an answer, and it has been read.
-        Read,
-        NoAnswer,
-        /// There is an answer that is no station list.
-        Unusable,
-    };
 
     /// The one kind of answer that is parsed.
     static constexpr int stationListModel = 1;
@@ -69,31 +55,27 @@ public:
     /// Rebuilds the station list from the raw attributes that a parse has left in it.
     void updateReadWriteData();
 
-    /// Sorts the station list in place; stations of which neither is before the other keep their order.
-    void sortRadioData(const RowComparison &before);
+    void requestTopStations() override { getTop500(); }
+    void requestSearch(const QString &text) override;
+    void requestGenre(const QString &genre) override { requestSearch(genre); }
+    void requestRandomStations() override { getRandomStation(); }
+    DirectoryAnswer answer() const override { return {outcome_, radioData_, {}}; }
+    QString playAddress(const StationEntry &station) const override;
+    QString favouriteAddress(const StationEntry &station) const override;
 
-    /// The station list, in the order of the answer or of the last sort.
+    /// The station list, in the order of the answer.
     const StationList &radioData() const { return radioData_; }
     /// The latest answer's "tunein" elements.
     const QList<AttributeMap> &radiocallbackData500() const { return radiocallbackData500_; }
     /// The parser of the latest answer; null before the first.
     const AnswerParser *parserSC500() const { return parserSC500_.get(); }
     bool xmlError() const { return xmlError_; }
-    /// Up to date when stationsReloaded() is sent.
-    Outcome outcome() const { return outcome_; }
-
-Q_SIGNALS:
-    /// Whether a request has just begun or an answer just arrived.
-    void busyChanged(bool busy);
-    void statusChanged(const QString &text);
-    /// The station list has been replaced or emptied, and what shows it is to be filled anew.
-    void stationsReloaded();
 
 private:
     QString address(const QString &path) const;
     QString limitParameter() const;
     void parse(const QByteArray &answer);
-    void showNoStations(Outcome outcome);
+    void showNoStations(DirectoryAnswer::Outcome outcome);
 
     void parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
                                const AttributeMap &attributes) override;
@@ -107,6 +89,6 @@ private:
     QList<AttributeMap> radiocallbackData500_;
     std::unique_ptr<AnswerParser> parserSC500_;
     bool xmlError_ = false;
-    Outcome outcome_ = Outcome::Awaited;
+    DirectoryAnswer::Outcome outcome_ = DirectoryAnswer::Outcome::Awaited;
     int loggedRuns_ = 0;
 };

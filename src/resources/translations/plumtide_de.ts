@@ -425,6 +425,14 @@
         <source>A&amp;ppearance</source>
         <translation>&amp;Aussehen</translation>
     </message>
+    <message>
+        <source>Pre&amp;vious Favourite</source>
+        <translation>&amp;Voriger Favorit</translation>
+    </message>
+    <message>
+        <source>&amp;Next Favourite</source>
+        <translation>&amp;Nächster Favorit</translation>
+    </message>
 </context>
 <context>
     <name>PasswordField</name>

@@ -11,8 +11,9 @@
 #include <QMimeData>
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <numeric>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -74,21 +75,21 @@ QLocale displayLocale()
     return system.language() == QLocale::C ? QLocale(QLocale::English) : system;
 }
 
-/// A comparison of rows by keys that are made once. What has no key comes first.
+/// Sorts indexes into `list` by the entries' keys, each of which is made once. What has no key comes first.
 template <class Key, class KeyOf>
-StationDirectory::RowComparison comparison(const StationList &list, Qt::SortOrder order, const KeyOf &keyOf)
+void sortByKey(QList<qsizetype> &indexes, const StationList &list, Qt::SortOrder order, const KeyOf &keyOf)
 {
-    auto keys = std::make_shared<std::vector<std::optional<Key>>>();
-    keys->reserve(static_cast<std::size_t>(list.size()));
+    std::vector<std::optional<Key>> keys;
+    keys.reserve(static_cast<std::size_t>(list.size()));
     for (const StationEntry &entry : list) {
-        keys->push_back(keyOf(entry));
+        keys.push_back(keyOf(entry));
     }
-    return [keys, order](qsizetype left, qsizetype right) {
+    std::stable_sort(indexes.begin(), indexes.end(), [&keys, order](qsizetype left, qsizetype right) {
         if (order == Qt::DescendingOrder) {
             std::swap(left, right);
         }
-        return (*keys)[static_cast<std::size_t>(left)] < (*keys)[static_cast<std::size_t>(right)];
-    };
+        return keys[static_cast<std::size_t>(left)] < keys[static_cast<std::size_t>(right)];
+    });
 }
 } // namespace
 
@@ -107,6 +108,8 @@ void StationTable::reload(const StationList &radioData)
 {
     beginResetModel();
     radioData_ = radioData;
+    order_.resize(radioData_.size());
+    std::iota(order_.begin(), order_.end(), qsizetype{0});
     endResetModel();
 }
 
@@ -115,10 +118,15 @@ qsizetype StationTable::numberOfRowsInTableView(const RVTableView *) const
     return radioData_.size();
 }
 
+const StationEntry &StationTable::stationAt(qsizetype row) const
+{
+    return radioData_.at(elementAt(order_, row));
+}
+
 QVariant StationTable::tableViewObjectValueForTableColumn(const RVTableView *, QLatin1StringView identifier,
                                                           qsizetype row) const
 {
-    const StationEntry &entry = elementAt(radioData_, row);
+    const StationEntry &entry = stationAt(row);
     if (identifier == QLatin1StringView("id_type")) {
         return typeName(entry);
     }
@@ -136,13 +144,17 @@ QVariant StationTable::tableViewObjectValueForTableColumn(const RVTableView *, Q
 void StationTable::tableViewSortDescriptorsDidChange(const RVTableView *,
                                                      const QList<SortDescriptor> &descriptors)
 {
-    // Stable sorts, the least important first, leave the order of them all.
-    for (auto descriptor = descriptors.crbegin(); descriptor != descriptors.crend(); ++descriptor) {
-        Q_EMIT sortRequested(rowComparison(*descriptor));
+    if (descriptors.isEmpty()) {
+        return;
     }
+    beginResetModel();
+    // Stable sorts, the least important first, leave the order of them all.
+    std::for_each(descriptors.crbegin(), descriptors.crend(),
+                  [this](const SortDescriptor &descriptor) { sortBy(descriptor); });
+    endResetModel();
 }
 
-StationDirectory::RowComparison StationTable::rowComparison(const SortDescriptor &descriptor) const
+void StationTable::sortBy(const SortDescriptor &descriptor)
 {
     const QByteArray keyName = descriptor.key.toLatin1();
     const QLatin1StringView key(keyName);
@@ -150,12 +162,13 @@ StationDirectory::RowComparison StationTable::rowComparison(const SortDescriptor
         return column.sortKey == key && column.isNumber;
     });
     if (isNumber) {
-        return comparison<qint64>(radioData_, descriptor.order, [key](const StationEntry &entry) {
+        sortByKey<qint64>(order_, radioData_, descriptor.order, [key](const StationEntry &entry) {
             const QVariant value = entry.value(key);
             return value.isValid() ? std::optional(value.toLongLong()) : std::nullopt;
         });
+        return;
     }
-    return comparison<QCollatorSortKey>(radioData_, descriptor.order, [this, key](const StationEntry &entry) {
+    sortByKey<QCollatorSortKey>(order_, radioData_, descriptor.order, [this, key](const StationEntry &entry) {
         const QString text = entry.text(key);
         return text.isNull() ? std::nullopt : std::optional(collator_.sortKey(text));
     });
@@ -168,7 +181,7 @@ bool StationTable::tableViewWriteRowsWithIndexes(const RVTableView *table, const
         return false;
     }
     const int row = *std::max_element(rows.cbegin(), rows.cend());
-    pasteboard.setData(DragPayload::stationType, DragPayload::ofStation(elementAt(radioData_, row)));
+    pasteboard.setData(DragPayload::stationType, DragPayload::ofStation(stationAt(row)));
     return true;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/sortdescriptor.h"
-#include "directory/keyed/stationdirectory.h"
+#include "directory/stationentry.h"
 #include "ui/table/rvtableview.h"
 
 #include <QAbstractTableModel>
@@ -9,8 +9,9 @@
 #include <QIcon>
 #include <QLocale>
 
-/// What the station table shows: one row for each entry of the station list, as the list stood when reload()
-/// was called last, so that the rows on screen never run past the list behind them.
+/// What the station table shows, in the order that the user has chosen: one row for each entry of the station
+/// list, as the list stood when reload() was called last, so that the rows on screen never run past the list
+/// behind them. Which station stands in a row is for this class to say, and nobody else.
 class StationTable : public QAbstractTableModel, public RVTableView::DataSource
 {
     Q_OBJECT
@@ -22,11 +23,14 @@ public:
     /// `myTableView` is the one table whose rows may be dragged.
     explicit StationTable(const RVTableView *myTableView, QObject *parent = nullptr);
 
-    /// Shows `radioData`, which shares its entries with the caller's list.
+    /// Shows `radioData`, which shares its entries with the caller's list, in the list's own order.
     void reload(const StationList &radioData);
 
     /// The number of entries, whichever table asks.
     qsizetype numberOfRowsInTableView(const RVTableView *table) const;
+
+    /// The station in that row. Raises RangeError for a row that there is not.
+    const StationEntry &stationAt(qsizetype row) const;
 
     /// What the column with that identifier shows for the entry at `row`: text, a number, an icon; invalid
     /// where the entry has nothing there, or for an identifier that is not known. Raises RangeError for a row
@@ -34,7 +38,8 @@ public:
     QVariant tableViewObjectValueForTableColumn(const RVTableView *table, QLatin1StringView identifier,
                                                 qsizetype row) const;
 
-    /// Asks for the list to be sorted by `descriptors`, those that the table has now.
+    /// Sorts the rows by `descriptors`, those that the table has now; the first one counts most. Stations of
+    /// which neither goes before the other keep their order.
     void tableViewSortDescriptorsDidChange(const RVTableView *table,
                                            const QList<SortDescriptor> &descriptors);
 
@@ -59,16 +64,14 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
-Q_SIGNALS:
-    /// The list behind the table is to be sorted by this comparison of its rows, then to be reloaded.
-    void sortRequested(const StationDirectory::RowComparison &before);
-
 private:
-    StationDirectory::RowComparison rowComparison(const SortDescriptor &descriptor) const;
+    void sortBy(const SortDescriptor &descriptor);
     QString displayedText(const QVariant &value) const;
 
     const RVTableView *myTableView_;
     StationList radioData_;
+    /// Which entry of the list stands in each row.
+    QList<qsizetype> order_;
     QLocale locale_;
     QCollator collator_;
     QIcon circleRed_;
