@@ -112,8 +112,10 @@ void StreamPlayback::endPlayer(PlaybackState ending)
     myBackendPlayer_->removeObserver(this, KeyPath::status);
     stopObservingItem();
     playeritem_.set(nullptr);
+    // First, because what is heard ends with the player, and whoever is told so asks for the state.
+    progress_ = ending;
     myBackendPlayer_.reset();
-    setProgress(ending);
+    reportState();
     Q_EMIT titleChanged(QStringLiteral("idle"));
     Q_EMIT statusChanged(QStringLiteral("Terminated / lost connection"));
     isPlaying_ = false;

@@ -23,6 +23,12 @@ RadioSession::RadioSession(DirectorySource &directory, Backend &backend, const S
     connect(this, &RadioSession::nowPlayingChanged, &recorder_, &TitleRecorder::follow);
 }
 
+RadioSession::~RadioSession()
+{
+    // The player that goes with this object falls silent, which nobody needs to be told any more.
+    disconnect(&heard_, nullptr, this, nullptr);
+}
+
 bool RadioSession::playEntry(const StationEntry &station)
 {
     const QString address = directory_.playAddress(station);

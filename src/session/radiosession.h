@@ -28,6 +28,7 @@ public:
     /// Both must outlive this object.
     RadioSession(DirectorySource &directory, Backend &backend, const Settings &settings,
                  QObject *parent = nullptr);
+    ~RadioSession() override;
 
     /// Plays a station of the directory's latest answer. False, and nothing happens, where the directory
     /// knows no address for it.

@@ -49,6 +49,8 @@ FakePlayer::~FakePlayer()
     if (backend_.player == this) {
         backend_.player = nullptr;
     }
+    // Nothing is heard of a player that has gone.
+    backend_.heard.setInfo({});
 }
 
 void FakePlayer::reportStatus(int status)
