@@ -86,7 +86,7 @@ void Player::awakeFromNib()
     if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
         FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
     }
-    favourites_.own(favouritesFolder, favouritesFile);
+    favourites_.claim(favouritesFolder, favouritesFile);
     outlets_.customRadioPopOver->setDelegate(this);
     outlets_.customRadioPopOver->setBehaviour(Popover::Behaviour::SemiTransient);
     preferences_ = std::make_unique<WPreferences>(settings_);
@@ -113,7 +113,7 @@ void Player::radioDataChanges(QLatin1StringView notification)
         const bool saved = saveRack();
         qCInfo(lcPlayer, "com.ostrel.plumtide.save_data_success %i", saved ? 1 : 0);
         // What is left of the end may take its time, and the program be started again meanwhile.
-        favourites_.disown();
+        favourites_.release();
     }
 }
 
