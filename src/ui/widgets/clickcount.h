@@ -20,6 +20,6 @@ private:
     Qt::MouseButton button_ = Qt::NoButton;
     /// In milliseconds of the events' own clock.
     quint64 time_ = 0;
-    /// In screen coordinates, so that clicks on a view that moves under the pointer are not one series.
+    /// In screen coordinates, so that a series stays one when the view moves under the pointer.
     QPointF place_;
 };

@@ -45,8 +45,8 @@ QPalette paletteOf(const Colours &colours)
     return palette;
 }
 
-/// Every menu bar asks its style for the icon of the menus that do not fit. For Fusion's own, a bitmap, Qt
-/// loads the plugins of all image formats: a tenth of the time to the first frame.
+/// Every menu bar asks its style for the icon of the menus that do not fit. For Fusion's own picture Qt loads
+/// the plugins of all image formats: a tenth of the time to the first frame.
 class LookStyle : public QProxyStyle
 {
 public:

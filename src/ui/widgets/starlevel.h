@@ -4,7 +4,8 @@
 #include <QSlider>
 
 /// A rating of 0 to 5 stars. Where it is editable, a press or a drag over the stars sets as many, a press on
-/// the only set star clears it, and the keys count up and down. A read-only one handles no events at all.
+/// the only set star clears it, and the keys count up and down. One that is not editable takes no events at
+/// all.
 class StarLevel : public QSlider
 {
     Q_OBJECT
