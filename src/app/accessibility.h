@@ -1,5 +1,5 @@
 #pragma once
 
-/// Teaches the toolkit what the program's own widgets are to assistive programs. To be called once, before
-/// any of them is made.
+/// Tells Qt how the program's own widgets appear to assistive programs. Call once, before any of them is
+/// made.
 void installAccessibility();

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 namespace {
-/// What is asked for in large pages begins here: several of them.
+/// Blocks of this size, several large pages, and above are asked for in large pages.
 constexpr std::size_t largeBlockBytes = std::size_t{8} * 1024 * 1024;
 
 bool isPowerOfTwo(std::size_t number)
@@ -16,7 +16,7 @@ bool isPowerOfTwo(std::size_t number)
     return number != 0 && (number & (number - 1)) == 0;
 }
 
-/// Has the kernel fill the block with large pages, as far as it likes to.
+/// Advises the kernel to back the block with large pages.
 void fillWithLargePages(void *block, std::size_t size)
 {
     const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
@@ -34,9 +34,9 @@ void returnFreedMemory()
     mallopt(M_ARENA_MAX, 2);
 }
 
-/// In the place of the C library's, for all of the process. For each stream that it opens libmpv has FFmpeg
-/// clear ten megabytes, to look at its first bytes in: page by page of the usual size that takes a fifth of
-/// the time from a double click to the sound.
+/// Replaces the C library's function for the whole process. For each stream that libmpv opens, FFmpeg clears
+/// ten megabytes to probe its first bytes in; in pages of the usual size that takes a fifth of the time from
+/// a double click to the sound.
 extern "C" int posix_memalign(void **block, std::size_t alignment, std::size_t size) noexcept
 {
     if (!isPowerOfTwo(alignment) || alignment % sizeof(void *) != 0) {

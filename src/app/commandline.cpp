@@ -1,7 +1,7 @@
 #include "app/commandline.h"
 
 namespace {
-/// What command-line programs end with that were called wrongly.
+/// The exit status of a command line that cannot be used.
 constexpr int usageError = 2;
 
 QString helpText()

@@ -20,7 +20,7 @@ struct Run
 };
 
 /// The window, a command to the program that runs already, or an answer (help, the version, or what is
-/// wrong). Arguments of the platform's ("-platform", "-style" and others with one dash) are let through.
-/// Needs no application object.
+/// wrong). Qt's own arguments ("-platform", "-style" and others with one dash) are ignored here. Needs no
+/// application object.
 std::variant<Run, RemoteCommand, Answer> parse(const QStringList &arguments);
 } // namespace CommandLine

@@ -15,7 +15,7 @@ struct Environment
 {
     DirectoryService directory;
     AudioOutput audioOutput = AudioOutput::automatic();
-    /// What a pause may load until the buffer counts as full.
+    /// How much a paused station may load until the buffer counts as full.
     qint64 pausedBufferBytes = MpvConditions::usualPausedBufferBytes;
 
     /// The settings, or one line that says which variable cannot be used and why.

@@ -30,12 +30,12 @@ namespace {
 Q_LOGGING_CATEGORY(lcApp, "plumtide.app")
 
 constexpr int unusableEnvironment = 2;
-constexpr int nobodyListens = 1;
+constexpr int notDelivered = 1;
 /// How long the program may take to end once its window is gone.
 constexpr std::chrono::milliseconds endingTime{1000};
 
 /// Ends the process after endingTime, whatever still holds it up then. Name lookups that are never answered
-/// would: the toolkit waits for its own, and a core of libmpv for those of its stream.
+/// would: Qt waits for its own, and a core of libmpv for those of its stream.
 void boundEnding(int status)
 {
     std::thread([status] {
@@ -48,7 +48,7 @@ void boundEnding(int status)
 MainWindow *openWindow = nullptr;
 
 /// A display that goes away, as at the end of a session, ends the process by way of exit(), from within the
-/// event loop. Orderly ends have saved the rack long before.
+/// event loop. An orderly quit has saved the rack long before.
 void saveAtExit()
 {
     if (openWindow != nullptr) {
@@ -56,13 +56,14 @@ void saveAtExit()
     }
 }
 
-/// Logs what an event handler lets escape; the event is lost, the program goes on.
+/// Logs an exception that escapes from an event handler; the event is lost, the program goes on.
 class Application : public QApplication
 {
 public:
     using QApplication::QApplication;
 
-    /// Called before an end that has been asked for closes the windows, and after one that they have refused.
+    /// Called with true before a requested quit closes the windows, and with false after they have refused
+    /// it.
     std::function<void(bool isEnding)> endingChanged;
 
     bool notify(QObject *receiver, QEvent *event) override
@@ -76,7 +77,7 @@ public:
     }
 
 protected:
-    /// Every orderly end comes by this event, from the session manager as well.
+    /// Every orderly quit arrives as this event, the session manager's too.
     bool event(QEvent *event) override
     {
         if (event->type() != QEvent::Quit || !endingChanged) {
@@ -89,7 +90,7 @@ protected:
     }
 };
 
-/// What another start of the program is good for; nothing where this one is to run.
+/// The status that this process exits with; nothing where it is to run.
 std::optional<int> exitStatusOf(SingleInstance::Outcome outcome)
 {
     switch (outcome) {
@@ -100,20 +101,20 @@ std::optional<int> exitStatusOf(SingleInstance::Outcome outcome)
     case SingleInstance::Outcome::Unanswered:
         qCCritical(lcApp).noquote() << "Plumtide is running already, but does not answer";
         break;
-    case SingleInstance::Outcome::Nobody:
+    case SingleInstance::Outcome::NotRunning:
         qCCritical(lcApp).noquote() << "no running Plumtide is to be found on the session bus";
         break;
     }
-    return nobodyListens;
+    return notDelivered;
 }
 
-/// Runs the window until the user quits; everything but the backend is gone afterwards, and another start of
-/// the program is its own.
+/// Runs the window until the user quits. Everything but the backend is destroyed afterwards, and the
+/// program's name on the session bus is free.
 int runWindow(int argc, char **argv, const Environment &environment, MpvBackend &backend,
               std::unique_ptr<SingleInstance> instance)
 {
     Application application(argc, argv);
-    // The toolkit has just taken over the user's locale; libmpv wants numbers with a point.
+    // QApplication has just set the user's locale; libmpv needs numbers with a decimal point.
     std::setlocale(LC_NUMERIC, "C");
     installTranslations(application);
     StateFile state;
@@ -183,7 +184,7 @@ int main(int argc, char *argv[])
                        std::get<Environment>(environment).pausedBufferBytes);
     const int status =
         runWindow(argc, argv, std::get<Environment>(environment), backend, std::move(instance));
-    // Exit handlers would pull the ground from under threads that are still at work.
+    // Exit handlers would destroy what threads that still run are using.
     backend.waitForDetachedWork(2 * endingTime);
     return status;
 }

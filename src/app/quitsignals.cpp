@@ -9,7 +9,7 @@
 namespace {
 constexpr std::array quitSignals{SIGTERM, SIGINT, SIGHUP};
 
-/// What the handler may touch: it runs on any thread, in the middle of anything.
+/// The descriptor that the handler writes to. A handler may run on any thread, in the middle of anything.
 volatile std::sig_atomic_t wakeUp = -1;
 
 void wake(int)

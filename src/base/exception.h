@@ -3,8 +3,8 @@
 #include <QString>
 #include <stdexcept>
 
-/// The one class of exceptions that this program raises itself. What lets one of them escape from an event
-/// handler loses that event only: the application logs it in one line and goes on.
+/// The base of all exceptions that this program raises itself. One that escapes from an event handler loses
+/// that event only: the application logs it in one line and goes on.
 class Exception : public std::runtime_error
 {
 public:

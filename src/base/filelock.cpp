@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 namespace {
-/// Whether the open file still has that name: its owner removes it when he lets go.
+/// Whether the open file still has that name: its owner removes it with the lock.
 bool isNamed(int file, const QByteArray &name)
 {
     struct stat opened
@@ -37,7 +37,7 @@ QByteArray lockName(const QString &path)
 FileLock::FileLock(const QString &path)
     : name_(lockName(path))
 {
-    // Links are not followed: what lies where ours should be is nobody's invitation to make files elsewhere.
+    // Links are not followed: a link in this place must not make the program create a file elsewhere.
     constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     constexpr mode_t onlyForUs = 0600;
     constexpr int attempts = 10;

@@ -2,17 +2,17 @@
 
 #include <QString>
 
-/// One program's claim to a file, for as long as the object lives: a lock of the system's on a file beside
-/// it, with ".lock" behind its name. However the program ends, nothing stays claimed. Main thread.
+/// One program's claim to a file, for as long as the object lives: an flock() on a file beside it, with
+/// ".lock" appended to its name. However the program ends, the system releases the lock. Main thread.
 ///
 /// Where the path is a symbolic link, the claim is to the file that it leads to.
 class FileLock
 {
 public:
     enum class State {
-        /// The file is ours.
+        /// This object has the file.
         Held,
-        /// Another program has it, or another object of this one.
+        /// Another program has it, or another object in this one.
         Taken,
         /// It cannot be claimed: there is no folder yet, or one that cannot be written to, or the file system
         /// has no locks.
@@ -23,7 +23,7 @@ public:
     explicit FileLock(const QString &path);
     FileLock(const FileLock &) = delete;
     FileLock &operator=(const FileLock &) = delete;
-    /// Removes the file of the lock, if the lock is ours.
+    /// Removes the lock file, if this object holds the lock.
     ~FileLock();
 
     State state() const { return state_; }

@@ -26,7 +26,7 @@ constexpr int readingFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     throw Exception(QStringLiteral("%1: %2").arg(QLatin1StringView(what), qt_error_string(errno)));
 }
 
-/// Closes what it holds.
+/// Owns a file descriptor and closes it.
 class Descriptor
 {
 public:
@@ -133,7 +133,7 @@ void requireRegular(const struct stat &status)
 std::optional<QByteArray> readRegularFile(const QString &path, qsizetype limit)
 {
     const QByteArray name = QFile::encodeName(path);
-    // Before it is opened: opening alone has effects on some devices.
+    // Before it is opened: on some devices opening alone has effects.
     std::optional<struct stat> status = statusOf(name);
     if (!status) {
         return std::nullopt;
@@ -169,7 +169,7 @@ FileReplacement::FileReplacement(const QString &path)
         return;
     }
     requireRegular(*status);
-    // A file that its owner has protected stays, although its folder would let it be replaced.
+    // A write-protected file stays, although its folder would allow a replacement.
     if (::faccessat(AT_FDCWD, target_.constData(), W_OK, AT_EACCESS) != 0) {
         raiseError("cannot write to it");
     }
@@ -246,7 +246,7 @@ void FileReplacement::write(const QByteArray &bytes)
         raiseError("cannot write beside it");
     }
     temporary_ = name;
-    // A file system without locks has no other program that looks for them.
+    // Where the file system has no locks, no other program relies on one.
     ::flock(open_, LOCK_EX | LOCK_NB);
     // The mode is the default one of a temporary file, less what the user's mask takes away.
     if (::fchmod(open_, ownerOnly) != 0 || !writeAll(open_, bytes) || ::fsync(open_) != 0) {
@@ -263,7 +263,7 @@ void FileReplacement::keepBackup() const
     if (!keepAs(fresh) || ::rename(fresh.constData(), backup.constData()) != 0) {
         raiseError("cannot keep a backup");
     }
-    // Two names of one file: the system leaves both.
+    // rename() does nothing where both names are of the same file.
     ::unlink(fresh.constData());
 }
 
@@ -293,7 +293,7 @@ void FileReplacement::commit()
 void FileReplacement::syncFolder() const
 {
     const Descriptor folder(::open(folderOf(target_).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems cannot.
+    // Some file systems cannot sync a folder.
     if (folder.isOpen() && ::fsync(folder.number()) != 0 && errno != EINVAL) {
         raiseError("cannot bring the folder to the disk");
     }
@@ -305,8 +305,8 @@ bool FileReplacement::keepAs(const QByteArray &path) const
     {
     };
     if (::link(target_.constData(), path.constData()) == 0) {
-        // The contents are the user's secrets. The file is about to lose its own name, so that this concerns
-        // the kept one only.
+        // The contents are private. The file is about to lose its own name, so that this changes the kept one
+        // only.
         if (::stat(path.constData(), &status) == 0 && (status.st_mode & everybodyElse) != 0) {
             ::chmod(path.constData(), status.st_mode & permissions & ~everybodyElse);
         }

@@ -4,13 +4,13 @@
 #include <QString>
 #include <optional>
 
-/// What stands in the regular file under `path`, or behind the links there; nothing where there is no such
-/// file. Never waits for a pipe or a device. Raises Exception where something else stands there, where it
-/// cannot be read, and where it is longer than `limit` bytes. Any thread.
+/// The contents of the regular file at `path`, symbolic links followed; nothing where there is no such file.
+/// Never waits for a pipe or a device. Raises Exception where `path` is something else, cannot be read, or is
+/// longer than `limit` bytes. Any thread.
 std::optional<QByteArray> readRegularFile(const QString &path, qsizetype limit);
 
-/// The replacement of a file by new contents, at once: whenever the program is stopped, the file holds the
-/// old contents or the new ones. One object for one replacement; any thread.
+/// Replaces a file's contents atomically: whenever the program is stopped, the file holds the old contents or
+/// the new ones. One object for one replacement; any thread.
 ///
 /// Where the path is a symbolic link, the file that it leads to is replaced, whether it is there yet or not.
 /// All methods raise Exception where they fail; but for syncFolder(), the file is then as it was.
@@ -21,41 +21,42 @@ public:
     explicit FileReplacement(const QString &path);
     FileReplacement(const FileReplacement &) = delete;
     FileReplacement &operator=(const FileReplacement &) = delete;
-    /// Removes what write() has made and commit() has not put in place.
+    /// Removes what write() has written and commit() has not renamed.
     ~FileReplacement();
 
-    /// The path of the file that is replaced, as the system takes it: what the links at `path` lead to,
-    /// whether it is there or not.
+    /// The path of the file that is replaced, in the file system's encoding: where the links at `path` lead,
+    /// whether or not there is a file.
     static QByteArray behindLinks(const QString &path);
 
-    /// Removes what earlier replacements of the file at `path` had to leave when the program was killed; what
-    /// another program is writing just now stays.
+    /// Removes the temporary files of earlier replacements of the file at `path` that were interrupted; one
+    /// that another program is writing stays.
     static void removeStrays(const QString &path);
 
-    /// Whether there is a file, as yet.
+    /// Whether there is a file now.
     bool isThere() const;
-    /// Whether the file holds `bytes` already, for nobody but its owner to read, and safely on the disk.
+    /// Whether the file holds `bytes` already, readable by its owner only, and synced to the disk.
     bool holds(const QByteArray &bytes) const;
 
-    /// Writes `bytes` beside the file, readable by its owner only, and brings them to the disk.
+    /// Writes `bytes` to a temporary file beside the file, readable by its owner only, and syncs it to the
+    /// disk.
     void write(const QByteArray &bytes);
-    /// Gives the file a second name, its own with a "~" behind, in place of what has that name; where the
-    /// file system has no links, a copy.
+    /// Gives the file a second name, its own with "~" appended, replacing any file of that name; a copy where
+    /// the file system has no hard links.
     void keepBackup() const;
-    /// The same under a name with the date and time behind, which no other file has. Returns the path.
+    /// The same under a name with the date and time appended, which no other file has. Returns the path.
     QString keepDated() const;
-    /// Puts what write() has written in place of the file.
+    /// Renames what write() has written over the file.
     void commit();
-    /// Brings the file's new place in its folder to the disk.
+    /// Syncs the folder, so that the rename reaches the disk.
     void syncFolder() const;
 
 private:
     /// False, with errno set, where it fails.
     bool keepAs(const QByteArray &path) const;
 
-    /// As the system takes it, links followed.
+    /// In the file system's encoding, links followed.
     QByteArray target_;
     QByteArray temporary_;
-    /// The temporary file; locked, so that it is not taken for one that was left behind. -1 for none.
+    /// The temporary file, locked so that removeStrays() leaves it. -1 for none.
     int open_ = -1;
 };

@@ -18,7 +18,7 @@ protected:
 class KeyedDecoder
 {
 public:
-    /// Invalid where there is nothing under `key`. What stands there may be of any type.
+    /// Invalid where there is nothing under `key`. The value may be of any type.
     virtual QVariant decodeObject(QLatin1StringView key) const = 0;
 
 protected:

@@ -14,10 +14,10 @@
 #include <cmath>
 
 namespace {
-/// What is used where the stored settings hold no time-out.
+/// In seconds; used where the stored settings hold no time-out.
 constexpr double defaultTimeout = 15.0;
 
-/// The instant `seconds` after 1970 in milliseconds; what no calendar reaches becomes 1970 itself.
+/// The instant `seconds` after 1970 in milliseconds; what QDateTime cannot hold becomes 1970 itself.
 qint64 instant(double seconds)
 {
     constexpr double farthest = 1.0e11;

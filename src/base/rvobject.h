@@ -13,17 +13,18 @@
 class RVObject
 {
 public:
-    /// A text as the directory wants it in a query: each blank (U+0020) becomes "+", nothing else changes.
+    /// A text as the directory expects it in a query: each blank (U+0020) becomes "+", nothing else changes.
     static QString airAPIFormatStyle(const QString &text);
 
-    /// The value of the Authorization header that the two make; see basicAuthorization().
+    /// The value of the Authorization header for these two; see basicAuthorization().
     static QString standardBasicAuthWithUsername(const QString &username, const QString &password);
 
     /// The connection time-out in seconds that a stored value stands for: its integer, 15 for an invalid
     /// value.
     static double rtoToTime(const QVariant &stored);
 
-    /// The number that a whole text of plain digits, with a sign and a decimal point if need be, stands for.
+    /// The number that the whole text stands for: plain digits, with a sign and a decimal point if need be;
+    /// nothing for any other text.
     static std::optional<double> numberFromString(const QString &text);
 
     /// The index of the first text in `list` that reads as the number `key`; 0 also where there is none, so

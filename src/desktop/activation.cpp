@@ -12,7 +12,7 @@ const QString tokenKey = QStringLiteral("activation-token");
 constexpr const char *startupIdVariable = "DESKTOP_STARTUP_ID";
 constexpr const char *tokenVariable = "XDG_ACTIVATION_TOKEN";
 
-/// Empty where `value` cannot be an identifier of a start.
+/// Empty where `value` cannot be a startup identifier or token.
 QByteArray identifier(const QVariant &value)
 {
     constexpr qsizetype longest = 512;
@@ -55,7 +55,7 @@ std::uint32_t Activation::startupTime() const
 void bringToFront(QWidget &window, const Activation &activation)
 {
     if (!window.isVisible()) {
-        // Said once more, or the window manager would choose a new place for it.
+        // Set once more, or the window manager would choose a new position for it.
         window.move(window.pos());
     }
     XDesktop *x = XDesktop::instance();
@@ -63,7 +63,7 @@ void bringToFront(QWidget &window, const Activation &activation)
         x->announce(window.winId(), activation);
     } else if (!activation.token.isEmpty() &&
                QGuiApplication::platformName().startsWith(QLatin1StringView("wayland"))) {
-        // Where the toolkit looks for it; it takes it away again.
+        // Qt reads it from there, and removes it again.
         qputenv(tokenVariable, activation.token);
     }
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);

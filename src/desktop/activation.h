@@ -6,19 +6,19 @@
 
 class QWidget;
 
-/// The right of a window to come to the front, given by whatever the user has just clicked. Desktops withhold
-/// the front from programs that cannot show it.
+/// The permission of a window to come to the front, which follows from what the user has just clicked.
+/// Desktops do not raise the windows of programs that cannot show it.
 struct Activation
 {
-    /// The identifier of the start on X11; empty where there is none.
+    /// The startup identifier on X11; empty where there is none.
     QByteArray startupId;
-    /// The token of the start on Wayland; empty where there is none.
+    /// The activation token on Wayland; empty where there is none.
     QByteArray token;
 
     /// What this process has been started with.
     static Activation fromEnvironment();
-    /// What another process has been started with, as it came over the session bus. Values of other types,
-    /// overlong ones and such with control characters count as none.
+    /// What another process has been started with, as received over the session bus. Values of other types,
+    /// overlong ones and ones with control characters are ignored.
     static Activation fromPlatformData(const QVariantMap &data);
     QVariantMap platformData() const;
 
@@ -26,6 +26,5 @@ struct Activation
     std::uint32_t startupTime() const;
 };
 
-/// Shows the window, also when it is hidden or minimised, puts it before all others and gives it the
-/// keyboard.
+/// Shows the window, also when it is hidden or minimised, raises it and gives it the keyboard focus.
 void bringToFront(QWidget &window, const Activation &activation);

@@ -17,20 +17,20 @@ public:
     {
     }
 
-    /// Null once the window is gone; it belongs to somebody else.
+    /// Null once the window is gone. Not owned.
     QWidget *window() const { return window_; }
     void setWindow(QWidget *window) { window_ = window; }
 
-    /// Does nothing: the hub has started everything when the window was made.
+    /// Does nothing: everything has been started with the window.
     void applicationDidFinishLaunching() {}
-    /// Does nothing: the hub hears of the end by itself, and saves the rack.
+    /// Does nothing: the controller of the main window saves the rack.
     void applicationWillTerminate() {}
 
     /// The user has started the program once more: brings the window to the front, whether any is visible or
     /// not. True, always: nothing else is to happen.
     bool applicationShouldHandleReopen(bool hasVisibleWindows, const Activation &activation = {});
 
-    /// Brings the window to the front, from wherever it is, and gives it the keyboard.
+    /// Brings the window to the front, also when it is hidden or minimised, and gives it the keyboard focus.
     void showWindow(const Activation &activation = {});
 
 private:

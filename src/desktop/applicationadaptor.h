@@ -4,7 +4,7 @@
 
 #include <QDBusAbstractAdaptor>
 
-/// The side of a SingleInstance that the session bus sees. Its methods are spelled as they are there.
+/// The D-Bus interface of a SingleInstance. Its methods are spelled as the interface has them.
 class ApplicationAdaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT

@@ -36,13 +36,13 @@ DesktopLook::DesktopLook(QApplication &application, StateFile &state, QObject *p
     , appearance_(MainWindow::appearance(state))
     , desktopPaletteIsDark_(::isDark(QApplication::palette()))
 {
-    dress();
+    apply();
 }
 
 void DesktopLook::setAppearance(Appearance appearance)
 {
     appearance_ = appearance;
-    dress();
+    apply();
 }
 
 bool DesktopLook::isDark(Appearance appearance, int scheme, bool desktopPaletteIsDark)
@@ -58,7 +58,7 @@ bool DesktopLook::isDark(Appearance appearance, int scheme, bool desktopPaletteI
     return scheme == PreferDark || (scheme != PreferLight && desktopPaletteIsDark);
 }
 
-void DesktopLook::dress()
+void DesktopLook::apply()
 {
     const int scheme = state_.integer(schemeKey, NoPreference);
     const bool dark = isDark(appearance_, scheme, desktopPaletteIsDark_);
@@ -68,11 +68,11 @@ void DesktopLook::dress()
 void DesktopLook::watchDesktop(QDBusConnection bus)
 {
     if (!bus.isConnected()) {
-        take(NoPreference);
+        setScheme(NoPreference);
         return;
     }
-    // By name, because the toolkit has no other way of it; from any sender, because it loses the signals of
-    // one whose name it has only just looked up.
+    // By name, because QtDBus has no other way; from any sender, because QtDBus drops the signals of a sender
+    // whose name it has only just looked up.
     bus.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     QDBusMessage question =
@@ -81,8 +81,8 @@ void DesktopLook::watchDesktop(QDBusConnection bus)
     auto *reply = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
         const QDBusPendingReply<QDBusVariant> answer = *reply;
-        // What another desktop has told before is not this one's word.
-        take(answer.isError() ? NoPreference : answer.value().variant());
+        // An error resets what another desktop has answered before.
+        setScheme(answer.isError() ? NoPreference : answer.value().variant());
         reply->deleteLater();
     });
 }
@@ -90,15 +90,15 @@ void DesktopLook::watchDesktop(QDBusConnection bus)
 void DesktopLook::settingChanged(const QString &group, const QString &key, const QDBusVariant &value)
 {
     if (group == appearanceGroup && key == colorScheme) {
-        take(value.variant());
+        setScheme(value.variant());
     }
 }
 
-void DesktopLook::take(const QVariant &scheme)
+void DesktopLook::setScheme(const QVariant &scheme)
 {
     const int told = unwrapped(scheme).toInt();
     if (told != state_.integer(schemeKey, NoPreference)) {
         state_.setValue(schemeKey, told);
-        dress();
+        apply();
     }
 }

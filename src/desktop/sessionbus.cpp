@@ -15,7 +15,8 @@
 namespace {
 constexpr const char *addressVariable = "DBUS_SESSION_BUS_ADDRESS";
 
-/// The name of the socket; empty where the address has none. One that begins with a zero is no file.
+/// The name of the socket; empty where the address has none. One that begins with a zero byte is abstract,
+/// not a file.
 QByteArray socketName(const QByteArray &address)
 {
     constexpr QByteArrayView unixSockets("unix:");
@@ -33,7 +34,7 @@ QByteArray socketName(const QByteArray &address)
     return {};
 }
 
-/// Says who we are, and waits for any word of the other side's. A refusal is one too.
+/// Starts D-Bus authentication, and waits for the first byte of any answer. A rejection is an answer too.
 bool socketAnswers(int socket, const QByteArray &name, const QDeadlineTimer &deadline)
 {
     sockaddr_un where = {};
@@ -92,7 +93,7 @@ bool SessionBus::answers(const QByteArray &address, std::chrono::milliseconds pa
     return false;
 }
 
-void SessionBus::forgo()
+void SessionBus::disable()
 {
     qputenv(addressVariable, "disabled:");
 }

@@ -13,17 +13,17 @@ Q_LOGGING_CATEGORY(lcInstance, "plumtide.app")
 
 using std::chrono::milliseconds;
 
-/// Together they are what a bus may cost a start.
+/// Together the most that a bus may delay a start.
 constexpr milliseconds busPatience{500};
 constexpr milliseconds namePatience{500};
-/// How long the first one may be busy.
+/// How long the first instance may take to answer.
 constexpr milliseconds ownerPatience{5000};
 
 const QString connectionName = QStringLiteral("plumtide");
 const QString ourName = QStringLiteral("com.ostrel.plumtide");
 const QString ourPath = QStringLiteral("/com/ostrel/plumtide");
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
-/// What buses of different makes say of a name that nobody has.
+/// The errors of different bus implementations for a name without an owner.
 const QStringList noOwnerErrors{QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner"),
                                 QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown")};
 const QString busName = QStringLiteral("org.freedesktop.DBus");
@@ -33,13 +33,13 @@ QDBusConnection connectToBus()
 {
     const QByteArray address = SessionBus::address();
     if (address.isEmpty()) {
-        // The libraries under us would start one.
-        SessionBus::forgo();
+        // The libraries would start one.
+        SessionBus::disable();
         return QDBusConnection(connectionName);
     }
     if (!SessionBus::answers(address, busPatience)) {
         qCWarning(lcInstance).noquote() << "the session bus does not answer: going on without it";
-        SessionBus::forgo();
+        SessionBus::disable();
         return QDBusConnection(connectionName);
     }
     // A connection of our own: it can be closed when the program ends, and needs no QApplication.
@@ -63,9 +63,9 @@ SingleInstance::~SingleInstance()
 SingleInstance::Outcome SingleInstance::begin()
 {
     const QDeadlineTimer deadline(ownerPatience);
-    Outcome outcome = Outcome::Nobody;
-    // Whoever has the name may be about to end, and not answer any more: then it is free a moment later.
-    while (outcome == Outcome::Nobody) {
+    Outcome outcome = Outcome::NotRunning;
+    // The owner may be about to end, and not answer any more: then the name is free a moment later.
+    while (outcome == Outcome::NotRunning) {
         const Ownership ownership = requestName();
         if (ownership != Ownership::Theirs) {
             ownsName_ = ownership == Ownership::Ours;
@@ -86,7 +86,7 @@ SingleInstance::Outcome SingleInstance::tell(RemoteCommand command) const
                            QDeadlineTimer(ownerPatience));
         }
     }
-    return Outcome::Nobody;
+    return Outcome::NotRunning;
 }
 
 bool SingleInstance::isReachable() const
@@ -120,10 +120,10 @@ SingleInstance::Outcome SingleInstance::deliver(const QString &method, const QVa
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return Outcome::Delivered;
     }
-    // NoReply is the bus's word as well for one who leaves without an answer; but then it comes at once.
+    // The bus also answers NoReply for an owner that disconnects without answering, but at once.
     const QString error = reply.errorName();
     const bool isGone = noOwnerErrors.contains(error) ||
                         error == QDBusError::errorString(QDBusError::Disconnected) ||
                         (error == QDBusError::errorString(QDBusError::NoReply) && !deadline.hasExpired());
-    return isGone ? Outcome::Nobody : Outcome::Unanswered;
+    return isGone ? Outcome::NotRunning : Outcome::Unanswered;
 }

@@ -8,39 +8,39 @@
 #include <QObject>
 #include <optional>
 
-/// Makes the program run once a session: the first one owns a name on the session bus, and later ones talk to
-/// it there. The interface is org.freedesktop.Application, so that desktops can do so too.
+/// Makes the program run once a session: the first instance owns a name on the session bus, and later ones
+/// call it there. The interface is org.freedesktop.Application, so that desktops can call it too.
 ///
-/// To be made before the QApplication: the toolkit connects to the bus as well, and would wait without end
-/// for one that hangs. Where there is none, or none that answers in time, the program runs as if alone. Main
-/// thread.
+/// To be made before the QApplication: Qt connects to the bus as well, and would wait without a limit for one
+/// that hangs. Where there is no bus, or none that answers in time, the program runs as if it were the only
+/// instance. Main thread.
 class SingleInstance : public QObject
 {
     Q_OBJECT
 
 public:
     enum class Outcome {
-        /// This is the first one, or nobody can tell.
+        /// This is the first instance, or there is no telling.
         Run,
-        /// The first one has been told.
+        /// The first instance has received the call.
         Delivered,
-        /// There is a first one, but it does not answer.
+        /// There is a first instance, but it does not answer.
         Unanswered,
-        /// There is nobody to be told.
-        Nobody
+        /// No other instance is running.
+        NotRunning
     };
 
-    /// Connects to the bus; waits for at most half a second for one that says nothing.
+    /// Connects to the bus; waits at most half a second for one that does not answer.
     SingleInstance();
-    /// Leaves the bus; whoever has asked something of us meanwhile learns that we are gone.
+    /// Leaves the bus; callers that still wait for an answer get an error.
     ~SingleInstance() override;
 
-    /// Becomes the first one, or has the one that is there show its window.
+    /// Becomes the first instance, or has the running one show its window.
     Outcome begin();
-    /// Tells the one that is there.
+    /// Sends the command to the running instance.
     Outcome tell(RemoteCommand command) const;
 
-    /// Whether another start of the program would reach this one.
+    /// Whether another start of the program would reach this instance.
     bool isReachable() const;
     /// Not connected where there is no bus.
     const QDBusConnection &connection() const { return connection_; }

@@ -21,7 +21,7 @@ TrayHost::TrayHost(const QDBusConnection &bus)
     if (bus_.isConnected()) {
         for (const auto &signal : {QStringLiteral("StatusNotifierHostRegistered"),
                                    QStringLiteral("StatusNotifierHostUnregistered")}) {
-            // The bus knows no other way than by name.
+            // QtDBus has no other way than by name.
             bus_.connect(watcherName, watcherPath, watcherName, signal, this, SLOT(ask()));
         }
     }
@@ -63,10 +63,10 @@ void TrayHost::ask()
     question.setArguments({watcherName, QStringLiteral("IsStatusNotifierHostRegistered")});
     question.setAutoStartService(false);
     auto *answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, &TrayHost::take);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, &TrayHost::receive);
 }
 
-void TrayHost::take(QDBusPendingCallWatcher *answer)
+void TrayHost::receive(QDBusPendingCallWatcher *answer)
 {
     const QDBusPendingReply<QDBusVariant> reply = *answer;
     statusNotifier_ = reply.isValid() && reply.value().variant().toBool();

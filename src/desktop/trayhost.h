@@ -6,10 +6,10 @@
 
 class QDBusPendingCallWatcher;
 
-/// Whether the desktop shows tray icons, by the status-notifier protocol on the session bus or, on X11, by
-/// taking windows in. Asks without waiting, and then listens; nothing runs meanwhile. Main thread.
+/// Whether the desktop shows tray icons, by the StatusNotifier protocol on the session bus or, on X11, by
+/// embedding windows. Asks without waiting, and then listens to signals; there is no timer. Main thread.
 ///
-/// The toolkit answers this too, but waits for the bus, and asks it only once in the life of the program.
+/// Qt answers this too, but waits for the bus, and asks it only once in the life of the program.
 class TrayHost : public QObject
 {
     Q_OBJECT
@@ -24,15 +24,15 @@ public:
     bool has(Kind kind) const;
 
 Q_SIGNALS:
-    /// Comes with the first answer, and when a host has come or, on the bus, gone. `kind` is the best that
-    /// there is.
+    /// Emitted with the first answer, and when a host has appeared or, on the bus, disappeared. `kind` is the
+    /// best one available.
     void changed(TrayHost::Kind kind);
 
 private Q_SLOTS:
     void ask();
 
 private:
-    void take(QDBusPendingCallWatcher *answer);
+    void receive(QDBusPendingCallWatcher *answer);
     void report();
 
     QDBusConnection bus_;

@@ -10,7 +10,7 @@
 #include <xcb/xcb.h>
 
 namespace {
-/// What the server allocates for us.
+/// Frees what xcb allocates.
 struct Free
 {
     void operator()(void *reply) const { std::free(reply); }
@@ -46,7 +46,7 @@ const char *bytesOf(const xcb_client_message_event_t &message)
 
 XDesktop *XDesktop::instance()
 {
-    // Other platforms may have the interface as well, and no connection.
+    // Other platforms may have the interface as well, but no connection.
     if (qGuiApp == nullptr || QGuiApplication::platformName() != QLatin1StringView("xcb")) {
         return nullptr;
     }
@@ -103,7 +103,7 @@ void XDesktop::activate(WId window, const Activation &activation)
     xcb_flush(connection_);
 }
 
-/// The text goes to everybody on the desktop, in pieces of a message's size; a zero ends it.
+/// Broadcasts the text in messages of 20 bytes; a zero byte ends it (freedesktop.org startup notification).
 void XDesktop::endStartup(std::uint32_t window, const QByteArray &startupId)
 {
     QByteArray quoted = startupId;
@@ -149,7 +149,7 @@ bool XDesktop::nativeEventFilter(const QByteArray &, void *message, qintptr *)
     if ((event->response_type & ~sentBySomebody) == XCB_CLIENT_MESSAGE) {
         const auto *client = static_cast<const xcb_client_message_event_t *>(message);
         if (client->type == manager_ && client->data.data32[1] == traySelection_) {
-            // The watch may end within the call.
+            // The call may end the watch.
             const auto appeared = appeared_;
             appeared();
         }

@@ -8,23 +8,23 @@
 
 struct xcb_connection_t;
 
-/// The desktop's conventions on X11 that the toolkit does not reach: activation at a time that another
-/// process knows, and trays of the older kind. Main thread.
+/// The desktop's conventions on X11 that Qt does not offer: activation with another process's timestamp, and
+/// the older kind of tray. Main thread.
 class XDesktop : private QAbstractNativeEventFilter
 {
 public:
     /// Null where the windows are not on an X server. Lives as long as the QApplication.
     static XDesktop *instance();
 
-    /// To be called before the window is shown: says which start shows it.
+    /// To be called before the window is shown: names the startup sequence that shows it.
     void announce(WId window, const Activation &activation);
-    /// To be called afterwards: asks the window manager for the front, as of the time when the user asked for
-    /// the start, and ends the desktop's waiting for it.
+    /// To be called afterwards: asks the window manager to raise the window, with the time of the user's
+    /// request, and ends the desktop's startup feedback.
     void activate(WId window, const Activation &activation);
 
-    /// Whether there is a tray that takes windows in. Asks the server.
+    /// Whether there is a tray that embeds windows. Asks the X server.
     bool hasTray() const;
-    /// Calls `appeared` whenever such a tray begins; an empty function ends that.
+    /// Calls `appeared` whenever such a tray appears; an empty function ends that.
     void watchForTray(std::function<void()> appeared);
 
 private:

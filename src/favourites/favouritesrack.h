@@ -27,19 +27,19 @@ public:
     void removeObjectAtArrangedObjectIndex(qsizetype index);
     /// At the end.
     void addObject(const StationRecord &station);
-    /// Applies the rack's order, which is the user's own, and so ends a change: nothing moves, and whoever
-    /// shows the rack may draw it now.
+    /// Applies the rack's order, which is the user's own, and so ends a change: nothing moves, and the views
+    /// that show the rack may draw it now.
     void rearrangeObjects();
 
     /// Writes one field of a station, which need not be in the rack.
     void setValue(const StationRecord &station, RadioField field, const QVariant &value);
 
-    /// Where that very record stands; -1 where it does not.
+    /// The index of that very record (not of an equal one); -1 where it is not in the rack.
     qsizetype indexOf(const RadioModel *station) const;
 
     /// In ascending order. A selected station stays selected where it moves.
     QList<qsizetype> selectionIndexes() const;
-    /// Indexes that there are not are left out.
+    /// Indexes beyond the list are ignored.
     void setSelectionIndexes(const QList<qsizetype> &indexes);
 
 Q_SIGNALS:
@@ -54,6 +54,6 @@ Q_SIGNALS:
 
 private:
     StationRecords radioItemCollectionArray_;
-    /// By who they are, not by where they stand: a move takes a station out and puts it back.
+    /// By record, not by index: a move takes a station out and puts it back.
     std::vector<std::weak_ptr<RadioModel>> selected_;
 };

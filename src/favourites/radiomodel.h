@@ -12,8 +12,8 @@ class KeyedDecoder;
 class KeyedEncoder;
 class RadioModel;
 
-/// A station of the rack is one and the same record wherever it is held; who it is says the pointer, not what
-/// stands in it.
+/// A station of the rack is one and the same record wherever it is held: its identity is the pointer, not the
+/// values of its fields.
 using StationRecord = std::shared_ptr<RadioModel>;
 using StationRecords = QList<StationRecord>;
 
@@ -45,9 +45,9 @@ enum class RadioField {
 /// The record of a station that is kept in the favourites rack: 21 optional fields.
 ///
 /// A field holds a QString, a qlonglong, a double or a bool, or nothing, which is an invalid QVariant; one
-/// that came from an archive may hold whatever stood there, so that readers expect any type. Every read and
-/// every write of a field is indivisible, whichever thread performs it; what a reader got stays valid. No
-/// lock spans several fields.
+/// that came from an archive may hold a value of any type, so that readers expect any. Every read and every
+/// write of a field is indivisible, whichever thread performs it; what a reader got stays valid. No lock
+/// spans several fields.
 class RadioModel
 {
 public:
@@ -101,7 +101,7 @@ public:
     QVariant imageFilePath() const { return value(RadioField::imageFilePath); }
     void setImageFilePath(const QVariant &path) { setValue(RadioField::imageFilePath, path); }
 
-    // Carried, archived and restored; nothing plays by them.
+    // Archived and restored; playback does not use them.
     QVariant volume() const { return value(RadioField::volume); }
     void setVolume(const QVariant &volume) { setValue(RadioField::volume, volume); }
     QVariant bass() const { return value(RadioField::bass); }
@@ -111,7 +111,7 @@ public:
     QVariant treble() const { return value(RadioField::treble); }
     void setTreble(const QVariant &treble) { setValue(RadioField::treble, treble); }
 
-    /// Whether the user has entered the station himself; empty reads as false.
+    /// Whether the user has entered the station; empty reads as false.
     QVariant custom() const { return value(RadioField::custom); }
     void setCustom(const QVariant &custom) { setValue(RadioField::custom, custom); }
     /// A directory station's whole tune-in address; a custom station's server as it was typed.

@@ -61,7 +61,7 @@ void Favourites::claim()
     if (!FavouritesStore::isFolderExistAtMusicFolder(favouritesFolder)) {
         FavouritesStore::createDirectoryOnMusicDirectory(favouritesFolder);
     }
-    store_.own(favouritesFolder, favouritesFile);
+    store_.claim(favouritesFolder, favouritesFile);
 }
 
 bool Favourites::save()
@@ -71,7 +71,7 @@ bool Favourites::save()
 
 void Favourites::release()
 {
-    store_.disown();
+    store_.release();
 }
 
 void Favourites::add(const StationEntry &station, qsizetype index)

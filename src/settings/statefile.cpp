@@ -32,7 +32,7 @@ StateFile::StateFile(QObject *parent)
     for (const QString &key : file.allKeys()) {
         values_.insert(key, file.value(key));
     }
-    // Two writes in a row reach the file in a row.
+    // One thread, so that writes reach the file in their order.
     writer_.setMaxThreadCount(1);
     writeDelay_.setSingleShot(true);
     writeDelay_.setInterval(writeDelay);
@@ -48,7 +48,7 @@ StateFile::~StateFile()
 int StateFile::integer(QAnyStringView key, int fallback) const
 {
     bool isInteger = false;
-    // Not by way of a number: QVariant would cut off what does not fit.
+    // From the text: QVariant's own conversion would cut off what does not fit.
     const int value = values_.value(key.toString()).toString().toInt(&isInteger);
     return isInteger ? value : fallback;
 }
@@ -92,7 +92,7 @@ void StateFile::setValue(QAnyStringView key, const QVariant &value)
 
 QString StateFile::path()
 {
-    // A relative path counts as none.
+    // A relative path is ignored, as the XDG base directory specification says.
     QString folder = qEnvironmentVariable("XDG_STATE_HOME");
     if (!QDir::isAbsolutePath(folder)) {
         folder = QDir::homePath() + QStringLiteral("/.local/state");

@@ -11,8 +11,8 @@
 
 /// What the window remembers from one start to the next, in plumtide/state.conf below the user's state folder
 /// (XDG_STATE_HOME). Main thread; the file is read once, when this is made, and written on a thread of its
-/// own, soon after a change and at the latest when this ends. A file that cannot be written costs a line in
-/// the log, and nothing else.
+/// own, half a second after the last change and at the latest when this is destroyed. A file that cannot be
+/// written costs a line in the log, and nothing else.
 class StateFile : public QObject
 {
     Q_OBJECT
@@ -21,9 +21,9 @@ public:
     explicit StateFile(QObject *parent = nullptr);
     ~StateFile() override;
 
-    /// `fallback` where nothing is stored under `key`, or what is no integer.
+    /// `fallback` where nothing is stored under `key`, or no integer.
     int integer(QAnyStringView key, int fallback) const;
-    /// Empty where nothing is stored under `key`, or what holds anything but integers.
+    /// Empty where nothing is stored under `key`, or a list that holds anything but integers.
     QList<int> integers(QAnyStringView key) const;
     /// Empty where nothing is stored under `key`.
     QStringList texts(QAnyStringView key) const;
@@ -38,7 +38,7 @@ private:
     void write();
 
     QVariantMap values_;
-    /// What the file does not hold yet.
+    /// Changes that are not written yet.
     QVariantMap changed_;
     QTimer writeDelay_;
     QThreadPool writer_;

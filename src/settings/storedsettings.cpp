@@ -25,7 +25,7 @@ QVariant StoredSettings::timeout() const
 QString StoredSettings::queryLimit() const
 {
     bool isInteger = false;
-    // By way of its text: QVariant would cut off what does not fit.
+    // From the text: QVariant's own conversion would cut off what does not fit.
     const qint64 limit = stored(queryKey).toString().toLongLong(&isInteger);
     return isInteger ? QString::number(limit) : QString();
 }

@@ -6,13 +6,13 @@
 
 /// The three settings that shape how the program talks to the network, in plumtide/plumtide.conf below the
 /// user's configuration folder, and nothing else. A setting that was never stored is absent; each reader has
-/// its own fall-back. Main thread.
+/// its own default. Main thread.
 ///
 /// What is stored is read from then on, also where the file cannot be written. What another program writes
 /// into the file is read as well: each reading looks whether the file has changed, and only then opens it.
 ///
-/// Whatever stands in the file, reading is safe. A list, an empty value and what is no text at all count as
-/// absent, as does everything in a file that cannot be read. Other texts are for the reader to understand.
+/// Whatever the file holds, reading is safe. A list, an empty value and a value that is no text count as
+/// absent, as does everything in a file that cannot be read. Other texts are for the reader to interpret.
 class StoredSettings
 {
 public:
@@ -34,15 +34,15 @@ public:
     void synchronize();
 
 private:
-    /// The file as it is now: all of these share what they have read, and a new one looks for changes. It
-    /// also has a status of its own, where an older one keeps that of its first fault.
+    /// The file as it is now. QSettings objects share what they have read, and a new one checks the file for
+    /// changes. Each has its own status, whereas an older one keeps that of its first error.
     class File : public QSettings
     {
     public:
         File();
     };
 
-    /// Invalid where that is nothing that a number could be read from.
+    /// Invalid where that is no text that a number could be read from.
     static QVariant stored(const QString &key);
 
     /// Keeps in memory what the file says, and what could not be written into it.

@@ -3,6 +3,7 @@
 #include "app/translations.h"
 #include "desktop/desktoplook.h"
 
+#include <QProcess>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,7 @@ private Q_SLOTS:
     void commandLine();
     void languageIsTheFirstThatShips();
     void lookFollowsChoiceThenDesktop();
+    void logLinesAreBareUnlessAPatternIsSet();
 };
 
 void TestApp::environment_data()
@@ -121,6 +123,23 @@ void TestApp::lookFollowsChoiceThenDesktop()
     QVERIFY(!isDark(Appearance::Desktop, DesktopLook::PreferLight, true));
     QVERIFY(isDark(Appearance::Desktop, DesktopLook::NoPreference, true));
     QVERIFY(!isDark(Appearance::Desktop, -7, false));
+}
+
+void TestApp::logLinesAreBareUnlessAPatternIsSet()
+{
+    const QByteArray line = "PLUMTIDE_AUDIO_OUTPUT: \"alsa\" is not \"null\" or \"pcm:FILE\"\n";
+    const QList<std::pair<QString, QByteArray>> cases{
+        {u""_s, line}, {u"%{type} %{category}: %{message}"_s, "critical plumtide.app: " + line}};
+    for (const auto &[pattern, written] : cases) {
+        QProcess program;
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert(u"PLUMTIDE_AUDIO_OUTPUT"_s, u"alsa"_s);
+        variables.insert(u"QT_MESSAGE_PATTERN"_s, pattern);
+        program.setProcessEnvironment(variables);
+        program.start(qEnvironmentVariable("PLUMTIDE"), QStringList());
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.readAllStandardError(), written);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestApp)

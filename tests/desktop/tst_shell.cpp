@@ -203,7 +203,7 @@ void TestShell::reachedOverTheBus()
     {
         SingleInstance instance;
         QVERIFY(!instance.isReachable());
-        QVERIFY(instance.tell(RemoteCommand::Stop) == SingleInstance::Outcome::Nobody);
+        QVERIFY(instance.tell(RemoteCommand::Stop) == SingleInstance::Outcome::NotRunning);
         QVERIFY(instance.begin() == SingleInstance::Outcome::Run);
         QVERIFY(instance.isReachable());
 

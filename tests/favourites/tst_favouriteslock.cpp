@@ -70,7 +70,7 @@ void TestFavouritesLock::oneProgramAtATime()
     auto first = std::make_unique<FavouritesStore>();
     QVERIFY(!first->reaDataFromStorageFolder(folderName, fileName));
     QVERIFY(FavouritesStore::createDirectoryOnMusicDirectory(folderName));
-    QVERIFY(first->own(folderName, fileName));
+    QVERIFY(first->claim(folderName, fileName));
     QVERIFY(save(*first, u"one"_s));
     QFile stray(folder_.filePath(u".plumtide.data.saving-aB3dEf"_s));
     QVERIFY(stray.open(QIODevice::WriteOnly));

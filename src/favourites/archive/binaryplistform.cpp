@@ -43,7 +43,7 @@ private:
     struct Object
     {
         unsigned kind = 0;
-        /// Where its contents begin.
+        /// The offset of its contents.
         quint64 offset = 0;
         /// Of bytes; of characters in a text; of elements in a container.
         quint64 count = 0;
@@ -172,7 +172,7 @@ bool Examination::measure(Object &object, unsigned low) const
         return low == 8 || low == 9;
     case integerKind:
         object.count = power;
-        // Of 16 bytes libplist keeps the lower half; nothing that is archived needs the upper one.
+        // libplist keeps the lower half of 16 bytes; nothing that is archived needs the upper one.
         return low <= 4 && fits(object.offset, power, 1) && (low < 4 || numberAt(object.offset, 8) == 0);
     case realKind:
         object.count = power;

@@ -4,11 +4,11 @@
 #include <QtGlobal>
 #include <optional>
 
-/// What an examination of a binary property list has found.
+/// The result of examining the form of a binary property list.
 ///
-/// libplist trusts the files that it opens: it expands what is shared, calls itself for what is nested and
-/// has no limits. So the form of a file is examined first, without building anything from it; only a list
-/// that passes is handed on.
+/// libplist trusts the files that it opens: it expands shared objects, recurses into nested ones and has no
+/// limits. So the form of a file is examined first, without building anything from it; only a list that
+/// passes is handed on.
 struct BinaryPlistForm
 {
     /// The longest file, in bytes.
@@ -22,8 +22,7 @@ struct BinaryPlistForm
     /// How deep arrays and dictionaries may be nested; a keyed archive nests four.
     static constexpr int maximumDepth = 4;
 
-    /// Whether libplist keeps every text as it stands: it loses unpaired surrogates, and what follows a
-    /// U+0000.
+    /// Whether libplist keeps every text unchanged: it loses unpaired surrogates, and what follows a U+0000.
     bool textsAreKept = true;
 
     /// Nothing where `bytes` are no binary property list, exceed a limit, contain an array or a dictionary

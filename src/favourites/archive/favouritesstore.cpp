@@ -26,7 +26,7 @@ QByteArray digestOf(const QByteArray &bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
 }
 
-/// Of what stands under `path`; none where that cannot be read.
+/// Of the file at `path`; empty where it cannot be read.
 QByteArray digestAt(const QString &path)
 {
     try {
@@ -47,7 +47,7 @@ QString pathOf(const QString &folder, const QString &filename)
 QString FavouritesStore::musicDirectory()
 {
     const QString path = QStandardPaths::standardLocations(QStandardPaths::MusicLocation).value(0);
-    // A relative path counts as none: it would depend on where the program was started.
+    // A relative path is ignored: it would depend on where the program was started.
     return QDir::isAbsolutePath(path) ? QDir::cleanPath(path) : QString();
 }
 
@@ -63,19 +63,19 @@ bool FavouritesStore::createDirectoryOnMusicDirectory(const QString &folder)
     return !path.isNull() && !QFileInfo::exists(path) && QDir().mkdir(path);
 }
 
-bool FavouritesStore::own(const QString &folder, const QString &filename)
+bool FavouritesStore::claim(const QString &folder, const QString &filename)
 {
-    return own(pathOf(folder, filename));
+    return claim(pathOf(folder, filename));
 }
 
-void FavouritesStore::disown()
+void FavouritesStore::release()
 {
     std::erase_if(locks_, [](const auto &entry) {
         return entry.second && entry.second->state() == FileLock::State::Held;
     });
 }
 
-bool FavouritesStore::own(const QString &path)
+bool FavouritesStore::claim(const QString &path)
 {
     if (path.isNull()) {
         return true;
@@ -90,7 +90,7 @@ bool FavouritesStore::own(const QString &path)
             << "another program has the favourites in" << path << "- they are shown, and not saved here";
         return false;
     }
-    // What cannot be locked is not withheld from its user.
+    // A file that cannot be locked is still the user's to read and save.
     return true;
 }
 
@@ -98,7 +98,7 @@ bool FavouritesStore::saveDataToStorageFolder(const QString &folder, const QStri
                                               const StationRecords &dataArray)
 {
     const QString path = pathOf(folder, filename);
-    if (!own(path)) {
+    if (!claim(path)) {
         return false;
     }
     try {
@@ -120,7 +120,7 @@ std::optional<StationRecords> FavouritesStore::reaDataFromStorageFolder(const QS
         return std::nullopt;
     }
     try {
-        if (own(path)) {
+        if (claim(path)) {
             FileReplacement::removeStrays(path);
         }
         const std::optional<QByteArray> file = readRegularFile(path, BinaryPlistForm::maximumSize);
@@ -170,7 +170,7 @@ void FavouritesStore::keepPrevious(const FileReplacement &replacement, const QSt
     }
     const QByteArray present = digestAt(path);
     if (present.isNull() || known_.value(path) != present) {
-        // Nobody else may have what is in it: where it cannot be kept, the save fails.
+        // It may be the only copy of its contents: where it cannot be kept, the save fails.
         const QString kept = replacement.keepDated();
         qCWarning(lcFavourites).noquote()
             << path << "is not what was read or saved last; it is kept as" << kept;

@@ -16,12 +16,12 @@ class FileReplacement;
 ///
 /// One object reads and saves for the whole program, because it remembers which files it has read whole or
 /// written itself. A file that is not one of those, whether it could not be read, held more than is kept or
-/// was changed by somebody else, is never written over: it is kept under a dated name. Main thread. Whatever
-/// goes wrong costs one line in the log.
+/// was changed by another program, is never written over: it is kept under a dated name. Main thread. Each
+/// failure is logged in one line.
 ///
 /// Of several programs the first one owns the file, from its reading to its end. The others read it and leave
 /// it alone for their whole lives, also when the first one has ended: what they have read is old by then, and
-/// would take back what it has saved.
+/// saving it would undo what the first one has saved.
 class FavouritesStore
 {
 public:
@@ -35,13 +35,13 @@ public:
     /// where anything of that name is there already.
     static bool createDirectoryOnMusicDirectory(const QString &folder);
 
-    /// Claims the file for this program, unless that has been done. False, and a line in the log for the
-    /// first time, where another program owns it. Reading and saving do the same; on its own it is for a
-    /// folder that has been made after the reading.
-    bool own(const QString &folder, const QString &filename);
+    /// Claims the file for this program, unless that has been done. False where another program owns it; the
+    /// first time, a line in the log says so. Reading and saving claim it as well; this is for a folder that
+    /// has been made after the reading.
+    bool claim(const QString &folder, const QString &filename);
 
-    /// Lets the next program own what this one owns: there is nothing more to be saved.
-    void disown();
+    /// Gives up the claim, so that the next program can own the file. Nothing is to be saved afterwards.
+    void release();
 
     /// Writes the archive of `dataArray` to the file at once, readable by its owner only: the file holds the
     /// old list or the new one at any time. The previous one stays beside it, with "~" behind its name. False
@@ -51,16 +51,17 @@ public:
                                  const StationRecords &dataArray);
 
     /// The list in the file; nothing where there is no file, it cannot be read, or it is no archive of a
-    /// list. Elements that are no stations are left out. Removes what a save that was killed has left,
+    /// list. Elements that are no stations are left out. Removes the temporary files of interrupted saves,
     /// unless another program owns the file.
     std::optional<StationRecords> reaDataFromStorageFolder(const QString &folder, const QString &filename);
 
 private:
-    bool own(const QString &path);
+    bool claim(const QString &path);
     void save(const QString &path, const StationRecords &stations);
     void keepPrevious(const FileReplacement &replacement, const QString &path) const;
 
-    /// By path: a digest of what was read whole or written. What is in such a file is in the rack as well.
+    /// By path: a digest of what was read whole or written. The contents of such a file are in the rack as
+    /// well.
     QHash<QString, QByteArray> known_;
     /// By path.
     std::map<QString, std::unique_ptr<const FileLock>> locks_;

@@ -12,11 +12,11 @@
 #include <unordered_map>
 #include <vector>
 
-/// The value of a field that is neither text nor a number, neither a flag nor bytes: whatever object stood in
-/// the archive. Nothing looks into it; it is carried along and written back with all that it refers to.
+/// The value of a field that is not text, a number, a flag or bytes: any other object of the archive. It is
+/// not interpreted, but kept and written back with all that it refers to.
 struct ArchivedObject
 {
-    /// Keeps the object, which is a part of it, alive.
+    /// Owns the object, which is a part of it.
     std::shared_ptr<const KeyedDocument> document;
     plist_t object = nullptr;
 
@@ -28,9 +28,9 @@ Q_DECLARE_METATYPE(ArchivedObject)
 class KeyedArchiver final : public KeyedEncoder
 {
 public:
-    /// The archive of the list, as a binary property list; equal lists give equal bytes. A record that
-    /// occurs again, or is null, is left out: a station stands in the list once. A null array where the
-    /// archive would exceed what is opened again. Main thread.
+    /// The archive of the list, as a binary property list; equal lists give equal bytes. A record that occurs
+    /// again, or is null, is left out: a station stands in the list once. A null array where the archive
+    /// would exceed the limits for opening one. Main thread.
     static QByteArray archivedDataWithRootObject(const StationRecords &stations);
 
     /// Adds to the record that is being written. Values are QString, qlonglong, double, bool, QByteArray and
@@ -39,10 +39,10 @@ public:
     void encodeObject(const QVariant &value, QLatin1StringView key) override;
 
 private:
-    /// A place among the archive's objects; 0 stands for nothing.
+    /// An index among the archive's objects; 0 stands for nothing.
     using Index = std::uint64_t;
 
-    /// An object of another archive, and its place in this one.
+    /// An object of another archive, and its index in this one.
     struct Copy
     {
         ArchivedObject original;
@@ -63,7 +63,7 @@ private:
     std::vector<Plist> objects_;
     /// By type and value: equal values share one object.
     QHash<QByteArray, Index> shared_;
-    /// Keeps alive what shared_ knows by its address.
+    /// Keeps alive what shared_ identifies by its address.
     std::vector<QVariant> kept_;
     std::vector<Copy> copies_;
     std::unordered_map<plist_t, Index> copyIndexes_;
@@ -74,8 +74,8 @@ private:
 class KeyedUnarchiver final : public KeyedDecoder
 {
 public:
-    /// The most stations of a list that is read: far more than anybody keeps, and no more than are written in
-    /// a few seconds. libplist's time for that grows with the square of the list.
+    /// The most stations of a list that is read: far more than users keep, and no more than are written in a
+    /// few seconds. libplist's time for that grows with the square of the list.
     static constexpr std::size_t maximumStations = 25'000;
 
     struct Result
@@ -107,7 +107,7 @@ private:
 
     std::shared_ptr<const KeyedDocument> document_;
     plist_t record_ = nullptr;
-    // What decodeObject() notes down while a record asks for its fields.
+    // Updated by decodeObject() while a record asks for its fields.
     mutable bool whole_ = false;
     mutable quint32 found_ = 0;
     /// One copy of each text and of each class's names, however many objects refer to them.

@@ -6,7 +6,7 @@
 #include <utility>
 
 namespace {
-/// Texts and data beyond this are known by their address: to compare them would cost more than sharing gains.
+/// Longer texts and data are identified by their address: comparing them would cost more than sharing saves.
 constexpr qsizetype longestCompared = 256;
 
 Plist newScalar(const QVariant &value)
@@ -160,7 +160,7 @@ QByteArray KeyedArchiver::shareKey(const QVariant &value)
 
 void KeyedArchiver::copyObjects()
 {
-    // Redirecting a copy finds more to copy. Nothing is copied twice, so that cycles come to an end.
+    // Redirecting a copy finds more to copy. Nothing is copied twice, so that cycles terminate.
     for (std::size_t next = 0; next < copies_.size(); ++next) {
         const Copy copy = copies_[next];
         Plist copied(plist_copy(copy.original.object));
@@ -179,7 +179,7 @@ void KeyedArchiver::redirect(plist_t copied, const std::shared_ptr<const KeyedDo
             plist_t object = document->resolved(node);
             plist_set_uid_val(node, object == nullptr ? 0 : indexOfCopy({document, object}));
         } else if (isPlist(node, PLIST_STRING)) {
-            // Half of a pair would make the whole archive unreadable for others.
+            // An unpaired surrogate would make the whole archive unreadable for other readers.
             setPlistText(node, plistText(node));
         } else {
             const std::vector<plist_t> children = plistChildren(node);

@@ -48,7 +48,7 @@ plist_t KeyedDocument::resolved(plist_t node) const
     }
     uint64_t index = 0;
     plist_get_uid_val(node, &index);
-    // A reference to a reference is no archiver's.
+    // No archiver writes a reference to a reference.
     return index == 0 || index >= objects_.size() || isPlist(objects_[index], PLIST_UID) ? nullptr
                                                                                          : objects_[index];
 }

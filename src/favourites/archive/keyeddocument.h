@@ -8,12 +8,11 @@
 #include <memory>
 #include <vector>
 
-/// The opened file of a keyed archive: the objects that it holds, not yet what they stand for. Never changed
-/// once it is open; any thread.
+/// The opened file of a keyed archive: its objects, not yet decoded. Immutable once it is open; any thread.
 class KeyedDocument
 {
 public:
-    /// What every keyed archive says of itself.
+    /// The archiver and the version that every keyed archive names.
     static constexpr QLatin1StringView archiver{"NSKeyedArchiver"};
     static constexpr std::uint64_t version = 100000;
 

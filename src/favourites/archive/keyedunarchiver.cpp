@@ -7,7 +7,7 @@
 namespace {
 constexpr QLatin1StringView recordClass("RadioModel");
 
-/// No class descends from more than a handful of others.
+/// Far more than the superclasses of any class.
 constexpr std::size_t longestChain = 64;
 
 bool isList(const QStringList &classes)

@@ -7,7 +7,7 @@
 namespace {
 QByteArray plistBytes(const QString &text)
 {
-    // QString's own conversion would put a question mark.
+    // QString's own conversion would write a question mark.
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     return encoder.encode(text);
 }
@@ -62,7 +62,7 @@ std::vector<plist_t> plistChildren(plist_t container)
     std::vector<plist_t> children;
     void *position = nullptr;
     plist_t child = nullptr;
-    // By iterators: access by index walks from the beginning each time.
+    // With iterators: access by index starts from the beginning each time.
     if (isPlist(container, PLIST_ARRAY)) {
         children.reserve(plist_array_get_size(container));
         plist_array_new_iter(container, &position);

@@ -16,11 +16,11 @@ struct PlistFree
 };
 using Plist = std::unique_ptr<void, PlistFree>;
 
-/// A node of text. What a text cannot be written with is replaced: an unpaired surrogate by U+FFFD; and it
-/// ends at its first U+0000, because libplist's strings do.
+/// A string node. An unpaired surrogate, which cannot be written, becomes U+FFFD; the text ends at its first
+/// U+0000, because libplist's strings do.
 Plist newPlistText(const QString &text);
 
-/// Makes `node` one of that text, as newPlistText() does.
+/// Makes `node` a string node of that text, as newPlistText() does.
 void setPlistText(plist_t node, const QString &text);
 
 /// The text of a string node, whatever characters it is made of; null of any other node, or of none.

@@ -7,7 +7,7 @@
 namespace {
 constexpr auto streamVersion = QDataStream::Qt_6_4;
 
-/// Indexes up to the end of the stream: a count would have to be believed.
+/// Indexes up to the end of the stream: a stored count could not be trusted.
 struct TileIndexes
 {
     QList<qsizetype> indexes;

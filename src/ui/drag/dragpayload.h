@@ -7,8 +7,8 @@
 #include <QString>
 #include <optional>
 
-/// What travels with a drag: a station out of the table, or which tiles of the rack. A payload carries a
-/// token of this very process; one that another program has made, or another run of this one, reads as none.
+/// The data of a drag: a station of the table, or which tiles of the rack. A payload carries a random token
+/// of this process; one that another process has made is rejected.
 namespace DragPayload {
 /// The type of a drag of a station table's row.
 inline const QString stationType = QStringLiteral("com.ostrel.pboard");

@@ -11,7 +11,7 @@ constexpr QLatin1StringView labelKey("label");
 constexpr QLatin1StringView typeKey("type");
 constexpr QLatin1StringView starsKey("stars");
 
-/// The label of what has a type.
+/// The label of genres with a type.
 const QString directoryLabel = QStringLiteral("Shoutcast");
 } // namespace
 
@@ -65,7 +65,7 @@ QString Genre::nameText() const
     const QVariant held = name();
     switch (held.typeId()) {
     case QMetaType::QString: {
-        // An empty name is one, though the toolkit may have made it null.
+        // An empty name counts as a name, although conversions may have made it null.
         const QString text = held.toString();
         return text.isNull() ? QStringLiteral("") : text;
     }

@@ -12,14 +12,14 @@ class KeyedDecoder;
 class KeyedEncoder;
 class QJsonArray;
 
-/// Who a genre is says the pointer, not what stands in it.
+/// A genre's identity is the pointer, not the values of its fields.
 using GenreRecord = std::shared_ptr<Genre>;
 using GenreRecords = QList<GenreRecord>;
 
 /// A genre of the picker.
 ///
-/// A field holds whatever the genre file had there: a QString, a qlonglong or a double as a rule, nothing,
-/// which is an invalid QVariant, or anything else that JSON knows. Every read and every write of a field is
+/// A field holds the value from the genre file: as a rule a QString, a qlonglong, a double or nothing, which
+/// is an invalid QVariant, but any other JSON value as well. Every read and every write of a field is
 /// indivisible, whichever thread performs it.
 class Genre
 {
@@ -29,7 +29,7 @@ public:
     Genre(const Genre &) = delete;
     Genre &operator=(const Genre &) = delete;
 
-    /// The genres that the elements of a genre file stand for, in their order. What is no object is none.
+    /// The genres in the elements of a genre file, in their order. Elements that are no objects are left out.
     static GenreRecords listFromJson(const QJsonArray &elements);
 
     /// A record of what `coder` holds and nothing else: no defaults.

@@ -52,7 +52,7 @@ private:
     GenreBox &box() const { return *static_cast<GenreBox *>(widget()); }
 };
 
-/// Its children are the tiles that pass the filter; they are made when somebody asks for them.
+/// Its children are the tiles that pass the filter; they are made on demand.
 class AccessibleGenreGrid : public QAccessibleWidget
 {
 public:

@@ -125,7 +125,7 @@ void GenreBox::paintEvent(QPaintEvent *)
     }
     painter.setPen(ink);
     const QRect place = namePlace();
-    // The text is read in its own direction, whichever way the window is; only its side is the window's.
+    // The text keeps its own direction; only its alignment follows the window's.
     painter.setLayoutDirection(name_.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     const auto side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter);
     painter.drawText(place, static_cast<int>(side | Qt::AlignAbsolute) | Qt::TextSingleLine,

@@ -5,15 +5,15 @@
 
 #include <QWidget>
 
-/// One genre of the picker as a tile: its name, and how much is found as quiet stars. It draws itself, so
-/// that a picker full of them costs little. A single click is its action; the further clicks of a series are
-/// none.
+/// One genre of the picker as a tile: its name, and how much is found as dim stars. It paints itself, without
+/// child widgets, so that a picker full of them costs little. A single click triggers its action; further
+/// clicks of a series do nothing.
 class GenreBox : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Who is told of a click.
+    /// Receives the clicks.
     class Delegate
     {
     public:
@@ -26,18 +26,19 @@ public:
     /// `genre` is shown as it is now.
     explicit GenreBox(const GenreRecord &genre, QWidget *parent = nullptr);
 
-    /// How large a tile with that font is, at least.
+    /// The minimum size of a tile with that font.
     static QSize sizeFor(const QFont &font);
 
-    /// May be null; nobody is told then. Not owned.
+    /// May be null. Not owned.
     void setDelegate(Delegate *delegate) { delegate_ = delegate; }
     Delegate *delegate() const { return delegate_; }
 
-    /// Whether the pointer is over it. The events of the pointer say so too, but not of a tile that moves.
+    /// Whether the pointer is over it. Pointer events set this too, but there are none when a tile moves
+    /// under the pointer.
     void setHovered(bool hovered);
     void setSelected(bool selected);
     bool isSelected() const { return selected_; }
-    /// Whether the keys are here, which is shown by a ring.
+    /// Whether it is the current tile while the grid has the focus, which a ring shows.
     void setCurrent(bool current);
     bool isCurrent() const { return current_; }
 

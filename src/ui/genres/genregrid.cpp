@@ -113,7 +113,7 @@ void GenreGrid::scrollContentsBy(int, int)
         return;
     }
     layOutTiles();
-    // The pointer rests, and the toolkit does not notice that another tile is under it.
+    // The pointer has not moved, so that Qt does not notice that another tile is under it.
     const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
     for (GenreBox *tile : tiles_) {
         if (tile != nullptr) {
@@ -129,7 +129,7 @@ void GenreGrid::focusInEvent(QFocusEvent *event)
         setCurrentIndex(shown_.first());
     }
     showCurrent();
-    // The toolkit announces the grid after this; the tile has to come last.
+    // Qt announces the grid after this; the tile has to be announced last.
     QMetaObject::invokeMethod(this, &GenreGrid::announceCurrent, Qt::QueuedConnection);
 }
 
@@ -153,7 +153,7 @@ void GenreGrid::reload()
 {
     for (GenreBox *tile : tiles_) {
         if (tile != nullptr) {
-            // It may be its own click that has led here.
+            // Not deleted at once: this may be running inside the tile's own click handler.
             tile->hide();
             tile->deleteLater();
         }
@@ -194,7 +194,7 @@ void GenreGrid::layOut()
         grid_ = measuredGrid();
         verticalScrollBar()->setPageStep(viewport()->height());
         verticalScrollBar()->setRange(0, std::max(0, grid_.contentHeight() - viewport()->height()));
-        // The bar may have come or gone by that.
+        // The scroll bar may have been shown or hidden by that.
         grid_ = measuredGrid();
     }
     layOutTiles();
@@ -265,7 +265,7 @@ void GenreGrid::setCurrentIndex(qsizetype index)
     announceCurrent();
 }
 
-/// Whoever has the screen read to him hears of the tile that the keys are at, not of the grid.
+/// Has screen readers announce the current tile rather than the grid.
 void GenreGrid::announceCurrent()
 {
     if (QAccessible::isActive() && hasFocus() && current_ >= 0) {

@@ -9,9 +9,9 @@
 
 class QLineEdit;
 
-/// The genres as a wrapping grid of tiles that scrolls vertically. A tile is made when it is first seen, and
-/// is its genre's from then on. Which genre is selected is the list's to know; which one is current, where
-/// the keys move from, and which are shown is the view's. An index is always one of the list, whatever is
+/// The genres as a wrapping grid of tiles that scrolls vertically. A tile is made when it first comes into
+/// view, and stays its genre's from then on. The list holds which genre is selected; the view holds which one
+/// is current, where the keys move from, and which are shown. An index is always one of the list, whatever is
 /// shown.
 class GenreGrid : public QAbstractScrollArea
 {
@@ -22,19 +22,19 @@ public:
 
     /// Shows `list`, which has to outlive the view, and follows it from now on. To be called once.
     void setArrayController(GenreList *list);
-    /// What the tiles tell; may be null. Not owned.
+    /// Receives the clicks on tiles; may be null. Not owned.
     void setDelegate(GenreBox::Delegate *delegate);
-    /// Shows only the genres whose name contains the text of `field`, wherever that is written in other case,
-    /// without accents, blanks or hyphens. The keys lead from the one to the other: Down and Enter in the
-    /// field, Up in the first row, letters and Escape in the grid. Not owned. To be called once.
+    /// Shows only the genres whose name contains the text of `field`, ignoring case, accents, blanks and
+    /// hyphens. Keys move the focus between the two: Down and Enter in the field, Up in the first row,
+    /// letters and Escape in the grid. Not owned. To be called once.
     void setFilterField(QLineEdit *field);
 
     qsizetype numberOfItems() const;
-    /// The tile at `index`; null where there is no such index, or it has not been seen yet.
+    /// The tile at `index`; null where there is no such index, or the tile has not been made yet.
     GenreBox *itemAtIndex(qsizetype index) const;
-    /// The tile at `index`, which has to be one; made if need be.
+    /// The tile at `index`, which must be valid; made if need be.
     GenreBox *madeItemAtIndex(qsizetype index);
-    /// Which genre's tile that is; -1 for any other object.
+    /// The index of the genre whose tile that is; -1 for any other object.
     qsizetype indexOf(const QObject *tile) const;
     /// Those that pass the filter, ascending.
     const QList<qsizetype> &shownIndexes() const { return shown_; }
@@ -80,7 +80,7 @@ private:
     QLineEdit *filterField_ = nullptr;
     QList<qsizetype> shown_;
     TileGrid grid_;
-    /// One for each genre, null as long as it has not been seen.
+    /// One for each genre, null until it is made.
     std::vector<GenreBox *> tiles_;
     qsizetype current_ = -1;
     bool layingOut_ = false;

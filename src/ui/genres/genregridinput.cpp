@@ -14,7 +14,7 @@ bool isEnter(const QKeyEvent &event)
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
-/// A blank is no text here: the space bar plays and pauses.
+/// A blank does not count: the space bar plays and pauses.
 bool isText(const QKeyEvent &event)
 {
     const QString text = event.text();
@@ -30,7 +30,7 @@ void GenreGrid::keyPressEvent(QKeyEvent *event)
     if (step && plain) {
         stepTo(*step);
     } else if (isEnter(*event) && plain && current_ >= 0) {
-        // A key that is held down asks the directory once.
+        // A held key presses once: each press is a request to the directory.
         if (!event->isAutoRepeat()) {
             madeItemAtIndex(current_)->press();
         }
@@ -72,7 +72,8 @@ bool GenreGrid::filterKeyPressed(const QKeyEvent &event)
     return false;
 }
 
-/// Presses the tile that is meant: the only one left, or the one with just that name. Whether there was one.
+/// Presses the tile that the text stands for: the only one shown, or the one with exactly that name. Returns
+/// whether there was one.
 bool GenreGrid::pressTyped()
 {
     const QString typed = foldedName(filterField_->text());
@@ -87,7 +88,7 @@ bool GenreGrid::pressTyped()
     return true;
 }
 
-/// Takes the keys from the field to the first tile, if there is any.
+/// Moves the focus from the field to the first tile, if there is any.
 void GenreGrid::enterTiles()
 {
     if (!shown_.isEmpty()) {

@@ -17,7 +17,7 @@ public:
     /// Replaces the whole list; nothing is selected then.
     void setDataSource(const GenreRecords &genres);
 
-    /// Where that very genre stands; -1 where it does not.
+    /// The index of that very genre; -1 where it is not in the list.
     qsizetype indexOf(const Genre *genre) const;
 
     /// -1 where nothing is selected.

@@ -7,7 +7,7 @@
 
 class GenreGrid;
 
-/// Who is told which genre has been chosen.
+/// Receives the genre that has been chosen.
 class GenreObjectDelegate
 {
 public:
@@ -26,7 +26,7 @@ class GenreObject : public QObject, public GenreBox::Delegate
 public:
     explicit GenreObject(GenreGrid *myCollection, QObject *parent = nullptr);
 
-    /// May be null; nobody is told then. Not owned.
+    /// May be null. Not owned.
     void setDelegate(GenreObjectDelegate *delegate) { delegate_ = delegate; }
     GenreObjectDelegate *delegate() const { return delegate_; }
     /// The genres that the grid shows, and which of them is selected.

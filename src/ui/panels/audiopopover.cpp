@@ -31,7 +31,7 @@ void AudioPopover::makeContent()
     connect(ui_->volumeSlider, &LevelSlider::valueChanged, this, [this](int volume) {
         SoundSettings settings = settings_;
         settings.volume = volume;
-        // Whoever moves the volume wants to hear it.
+        // Moving the volume unmutes.
         settings.muted = false;
         setSettings(settings);
     });

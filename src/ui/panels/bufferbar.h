@@ -2,8 +2,8 @@
 
 #include <QProgressBar>
 
-/// A small bar that fills with the sound in reserve, in the colour of its foreground and without a text. The
-/// toolkit's cannot be drawn with round ends at this size.
+/// A small bar that fills with the sound in reserve, in the colour of its foreground and without a text. Qt's
+/// own drawing has no round ends at this size.
 class BufferBar : public QProgressBar
 {
     Q_OBJECT

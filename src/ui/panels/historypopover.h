@@ -37,6 +37,6 @@ private:
 
     std::unique_ptr<Ui::HistoryPopover> ui_;
     TitleHistory &history_;
-    /// Waits for the last write, when it goes.
+    /// Its destructor waits for the last write.
     QThreadPool writer_;
 };

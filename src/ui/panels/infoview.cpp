@@ -13,11 +13,11 @@ constexpr qreal smallScale = 0.95;
 constexpr int spacing = 8;
 constexpr int historyButtonSize = 40;
 constexpr int historyIconSize = 24;
-/// With less room than that the format is worth more than the bar.
+/// Below this width, in logical pixels, the bar is left out in favour of the format.
 constexpr int narrowestWithBar = 240;
 constexpr int narrowestToolbar = 800;
 constexpr int secondsPerMinute = 60;
-/// What is told in seconds and in minutes at most.
+/// The largest number that is shown in seconds, and in minutes.
 constexpr int longestCount = 99;
 
 QString formatText(const StreamInfo &info)
@@ -25,7 +25,7 @@ QString formatText(const StreamInfo &info)
     return info.bitrate > 0 ? InfoView::tr("%1 %2 kbit/s").arg(info.codec).arg(info.bitrate) : info.codec;
 }
 
-/// A pause fills the buffer for up to hours.
+/// A paused station may load hours of sound.
 QString durationText(int seconds)
 {
     const int minutes = seconds / secondsPerMinute;
@@ -67,7 +67,7 @@ void InfoView::makeTexts()
     small.setPointSizeF(small.pointSizeF() * smallScale);
     ui_->formatLabel->setFont(small);
     ui_->bufferLabel->setFont(small);
-    // One of fixed size lays nothing out anew when its text changes.
+    // A label of fixed size causes no new layout when its text changes.
     const QFontMetrics metrics(small);
     ui_->bufferLabel->setFixedSize(metrics.horizontalAdvance(tr("%1 min").arg(longestCount)),
                                    metrics.height());
@@ -90,7 +90,7 @@ void InfoView::setInfo(const StreamInfo &info)
     showBar();
 }
 
-/// Its place is kept while nothing plays.
+/// It keeps its space while nothing plays.
 void InfoView::showBar()
 {
     if (!ui_) {

@@ -13,9 +13,9 @@ class InfoView;
 }
 
 /// The information area of the tool bar: what plays now, in which format, and how much sound waits to be
-/// played. What it shows never moves anything, neither around it nor in it. Where it is narrow it leaves out
-/// the bar, and where the tool bar is, it goes, so that the others have room. What shows the texts is made
-/// when there are some.
+/// played. Changes of its contents move nothing around it or in it. Where it is narrow it leaves out the bar;
+/// where the tool bar is narrow it hides, so that the other controls have room. Its labels are made when
+/// there is something to show.
 class InfoView : public QWidget
 {
     Q_OBJECT

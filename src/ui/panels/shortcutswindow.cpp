@@ -17,7 +17,7 @@ constexpr int contentMargin = 16;
 constexpr int lineHeight = 28;
 constexpr int headingHeight = 48;
 
-/// What no menu has.
+/// Keys that no menu shows.
 constexpr std::array<std::pair<const char *, const char *>, 10> otherKeys{{
     {QT_TRANSLATE_NOOP("ShortcutsWindow", "Play the station"), QT_TRANSLATE_NOOP("ShortcutsWindow", "Enter")},
     {QT_TRANSLATE_NOOP("ShortcutsWindow", "Go to another station"),
@@ -39,7 +39,7 @@ constexpr std::array<std::pair<const char *, const char *>, 10> otherKeys{{
     {QT_TRANSLATE_NOOP("ShortcutsWindow", "Open the menus"), QT_TRANSLATE_NOOP("ShortcutsWindow", "Alt")},
 }};
 
-/// A menu's text as it is read: without the mark of its letter, and without the dots.
+/// A menu's text without its mnemonic mark and its ellipsis.
 QString plainText(QString text)
 {
     text.remove(QStringLiteral("...")).remove(QChar(0x2026));
@@ -138,7 +138,7 @@ void ShortcutsWindow::addHeading(const QString &title)
     table_->setRowHeight(row, headingHeight);
     table_->setSpan(row, 0, 1, 2);
     auto *heading = new QTableWidgetItem(title);
-    // The keys pass it by.
+    // The keyboard cannot select it.
     heading->setFlags(Qt::NoItemFlags);
     QFont font = table_->font();
     font.setWeight(QFont::DemiBold);

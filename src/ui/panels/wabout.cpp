@@ -18,7 +18,7 @@ struct UsedLibrary
     QString licence;
 };
 
-/// With their versions, where they can be asked without loading them for it.
+/// With their versions, where these are known without loading a library for it.
 QList<UsedLibrary> usedLibraries()
 {
     return {

@@ -17,13 +17,13 @@ public:
 
     /// The window, made if need be.
     QWidget *window();
-    /// Brings the window to the front, also from an icon, and makes it the one that has the keyboard.
+    /// Brings the window to the front, also when it is minimised, and gives it the keyboard focus.
     void showWindow();
 
-    /// Runs once, when the window has been made. There is nothing to do: all that it shows stays as it is.
+    /// Called once, when the window has been made. Does nothing.
     void windowDidLoad() {}
 
-    /// Everything that the window says, in lines: for reports of faults.
+    /// Everything that the window says, in lines: for bug reports.
     static QString details();
 
 private:

@@ -141,7 +141,7 @@ void WPreferences::loadWindow()
     window_ = std::make_unique<QDialog>(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                                      Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
                                                      Qt::WindowCloseButtonHint);
-    // The program lives as long as its main window.
+    // This window does not keep the program running.
     window_->setAttribute(Qt::WA_QuitOnClose, false);
     Ui::WPreferences ui;
     ui.setupUi(window_.get());

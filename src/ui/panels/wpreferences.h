@@ -18,12 +18,12 @@ class WPreferences : public QObject
 public:
     /// Making one is `initPreferences`. `settings` must outlive it.
     explicit WPreferences(StoredSettings &settings, QObject *parent = nullptr);
-    /// Says "Window close preferences" in the log.
+    /// Logs "Window close preferences".
     ~WPreferences() override;
 
     /// The window, made if need be.
     QWidget *window();
-    /// Brings the window to the front, also from an icon, and makes it the one that has the keyboard.
+    /// Brings the window to the front, also when it is minimised, and gives it the keyboard focus.
     void showWindow();
 
     /// Makes the grids show the stored settings; runs once, when the window has been made. A number that is
@@ -34,7 +34,7 @@ public:
     /// User-Agent is, -1.
     void buttonAction(const QObject *sender);
 
-    // The outlets; null until the window has been made, or set by whoever brings grids of their own.
+    // The outlets; null until the window has been made, or set from outside.
     /// One row: the time-out in seconds, as the cells' titles.
     Matrix *matrixRTO() const;
     void setMatrixRTO(Matrix *matrix);

@@ -22,7 +22,7 @@ constexpr int oversampling = 2;
 /// long.
 constexpr int longestRatio = 8;
 
-/// Those that decode pixels and nothing else; SVG, say, may name other files.
+/// Formats that contain pixels and nothing else; an SVG, for one, may refer to other files.
 constexpr std::array formats{"png", "jpeg", "gif", "webp", "bmp"};
 
 bool isResource(const QString &path)
@@ -36,13 +36,13 @@ QImage decode(QIODevice &device, int side)
     QImageReader reader(&device);
     reader.setAutoTransform(true);
     const QByteArray format = reader.format();
-    // The reader of this one alone scales while it decodes, and rightly so: that of PNG mixes the numbers of
-    // colours in a palette.
+    // Only JPEG is scaled while it is decoded: the PNG reader would average the palette indexes of indexed
+    // pictures.
     const bool scales = format == "jpeg";
     const QSize size = reader.size();
     const qint64 limit = scales ? ArtworkLoader::maximumPhotoPixels : ArtworkLoader::maximumPixels;
-    const bool welcome = std::ranges::any_of(formats, [&](const char *name) { return format == name; });
-    if (!welcome || size.isEmpty() || size.width() > limit / size.height()) {
+    const bool isSupported = std::ranges::any_of(formats, [&](const char *name) { return format == name; });
+    if (!isSupported || size.isEmpty() || size.width() > limit / size.height()) {
         return {};
     }
     const int shorter = std::min(size.width(), size.height());
@@ -63,7 +63,7 @@ QImage decode(QIODevice &device, int side)
         .scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-bool isWelcome(const struct stat &state)
+bool isLoadable(const struct stat &state)
 {
     return S_ISREG(state.st_mode) && state.st_size > 0 && state.st_size <= ArtworkLoader::maximumBytes;
 }
@@ -114,7 +114,8 @@ std::shared_ptr<const ArtworkLoader::Request> ArtworkLoader::request(const QStri
                                                                      std::function<void(const QImage &)> done)
 {
     auto request = std::make_shared<const Request>(Request{std::move(done)});
-    // The thread only ever asks whether it is still wanted: it ends where it began, on the main thread.
+    // The pool's thread only checks whether the request is still wanted; it is destroyed on the main thread,
+    // which made it.
     pool_.start([this, path, side, wanted = std::weak_ptr(request)] {
         if (wanted.expired()) {
             return;
@@ -145,16 +146,16 @@ QImage ArtworkLoader::load(const QString &path, int side)
         return {};
     }
     const QByteArray name = QFile::encodeName(path);
-    // Opening alone may wait for ever at a pipe, and rewinds a tape: only plain files are opened. What
-    // replaces one at this very moment is not waited for.
+    // Only regular files are opened: opening a pipe may block for ever, and opening a device may have
+    // effects. O_NONBLOCK is for a pipe that replaces the file at this moment.
     struct stat state = {};
-    if (::stat(name.constData(), &state) != 0 || !isWelcome(state)) {
+    if (::stat(name.constData(), &state) != 0 || !isLoadable(state)) {
         return refuse();
     }
     const int descriptor = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     QFile file;
     if (descriptor < 0 || !file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle) ||
-        ::fstat(descriptor, &state) != 0 || !isWelcome(state)) {
+        ::fstat(descriptor, &state) != 0 || !isLoadable(state)) {
         return refuse();
     }
     const Stamp stamp{state.st_dev, state.st_ino, state.st_size, state.st_mtim.tv_sec, state.st_mtim.tv_nsec};

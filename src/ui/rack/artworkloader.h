@@ -11,8 +11,9 @@
 #include <utility>
 
 /// Loads the pictures of stations as squares of the wanted size: the middle of each, smoothly scaled. Files
-/// are opened and read on threads of its own, so that a slow disk holds nobody up; the main thread asks, and
-/// gets the answer. What is no picture, is too large, or is no plain local file gives a null image.
+/// are opened and read on threads of its own, so that a slow disk does not block the main thread, which asks
+/// and receives the answer. A file that is no picture, too large, or not a regular local file gives a null
+/// image.
 class ArtworkLoader : public QObject
 {
     Q_OBJECT
@@ -26,26 +27,26 @@ public:
     /// The longest side that is delivered, in pixels.
     static constexpr int maximumSide = 1024;
 
-    /// A picture that is being waited for.
+    /// A picture that is awaited.
     struct Request
     {
         std::function<void(const QImage &)> done;
     };
 
     ArtworkLoader();
-    /// Calls off what has not begun, and waits for the rest.
+    /// Cancels the requests that have not begun, and waits for the others.
     ~ArtworkLoader() override;
 
     /// The one that all views share; it lives as long as the application object, which must exist.
     static ArtworkLoader &shared();
 
     /// What can be shown at once: a picture among the program's own, or what was read last from the file at
-    /// `path`; null where there is none. Never looks at the disk. `side` is in device pixels.
+    /// `path`; null where there is none. Never accesses the disk. `side` is in device pixels.
     QImage picture(const QString &path, int side);
 
-    /// Looks at the file at `path`, an absolute one, and calls `done` with what it shows now, or null, from
-    /// the event loop of the main thread. Nothing is called once the result of this is let go; a request
-    /// that has not begun by then costs nothing.
+    /// Reads the file at `path`, an absolute path, and calls `done` with its picture as it is now, or null,
+    /// from the event loop of the main thread. `done` is not called once the returned request is released; a
+    /// request that has not begun by then costs nothing.
     [[nodiscard]] std::shared_ptr<const Request> request(const QString &path, int side,
                                                          std::function<void(const QImage &)> done);
 

@@ -35,7 +35,7 @@ void RackAccessible::connectRack() const
     });
 }
 
-/// However many changes come in one go, a move above all, what is announced is what came of them.
+/// Several changes in one turn of the event loop, such as a move, are announced by their result.
 void RackAccessible::rackChanged() const
 {
     if (!due_) {
@@ -106,7 +106,7 @@ void RackAccessible::followSelection() const
     }
 }
 
-/// Those whose stations are no longer in the rack.
+/// Drops the children whose stations are no longer in the rack.
 void RackAccessible::dropChildren() const
 {
     std::erase_if(children_, [this](const auto &child) {

@@ -8,7 +8,7 @@
 #include <set>
 #include <vector>
 
-/// A station that is only known, not kept.
+/// A non-owning reference to a station.
 using WeakStation = std::weak_ptr<RadioModel>;
 
 /// A rack as a list. Its children stand for stations, not for places: one that moves keeps its child.
@@ -24,7 +24,7 @@ public:
     RackView *view() const { return qobject_cast<RackView *>(object()); }
     /// Null where the view has none, or not any more.
     FavouritesRack *rack() const { return view() != nullptr ? view()->rack() : nullptr; }
-    /// Where the station stands among the children; -1 where it does not.
+    /// The station's index among the children; -1 where it is none of them.
     qsizetype placeOf(const WeakStation &station) const;
     /// Null for a station that is not in the rack.
     QAccessibleInterface *childOf(const WeakStation &station) const;
@@ -53,12 +53,12 @@ private:
     /// Ends the connections with this object.
     mutable QObject context_;
     mutable bool connected_ = false;
-    // The rack as it has been announced; brought up to date when somebody asks, or a turn of the event loop
-    // after a change.
+    // The rack as it has been announced; brought up to date on demand, or one turn of the event loop after a
+    // change.
     mutable bool due_ = true;
     mutable std::vector<WeakStation> stations_;
     mutable Selection selected_;
-    /// Made when they are first asked for.
+    /// Made on demand.
     mutable std::map<WeakStation, QAccessible::Id, std::owner_less<>> children_;
 };
 
@@ -95,10 +95,10 @@ public:
     QStringList keyBindingsForAction(const QString &name) const override;
 
 private:
-    /// Where the station stands in the rack by now; -1 where it does not.
+    /// The station's current index in the rack; -1 where it is not in it.
     qsizetype index() const;
     static QString description(const RadioModel &station);
-    /// Where there is one, it is on the screen or next to it.
+    /// Null where the station has none: tiles exist only for visible rows and the rows next to them.
     RackItem *tile() const;
     std::array<QToolButton *, 2> buttons() const;
 

@@ -156,7 +156,7 @@ void RackItem::inkIcons()
     playButton_->setIcon(svgIcon(QStringLiteral("play"), ink));
 }
 
-/// By hand: a rack makes tiles while it is scrolled, and this is much cheaper than a layout in each.
+/// Without a QLayout: a rack makes tiles while it is scrolled, and this is much cheaper.
 void RackItem::layOut()
 {
     const auto place = [this](QWidget *child, const QRect &rectangle) {

@@ -32,18 +32,18 @@ public:
 
     explicit RackItem(QWidget *parent = nullptr);
 
-    /// How large a tile with that font is.
+    /// The size of a tile with that font.
     static QSize sizeFor(const QFont &font);
 
     /// The name that a station is shown by; never empty.
     static QString nameOf(const RadioModel &station);
 
-    /// Null where there is none, or where it is gone: the tile does not keep it.
+    /// Null where there is none, or where it has been destroyed: the tile does not own it.
     StationRecord station() const { return station_.lock(); }
     /// Shows the station as it is now. The artwork's path goes through "PathTransformer", and stands as it is
     /// where there is none of that name.
     void setStation(const StationRecord &station, const ValueTransformers &transformers);
-    /// Stands for no station any more, though it goes on showing the last one.
+    /// Has no station any more, but goes on showing the last one.
     void clear();
 
     void setFrame(const RackItemFrame &frame);

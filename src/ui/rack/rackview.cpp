@@ -155,7 +155,7 @@ void RackView::focusInEvent(QFocusEvent *event)
         setCurrent(0);
     }
     viewport()->update(focusRing());
-    // The toolkit says next that the rack has the focus; the tile has to be named after that.
+    // Qt next announces that the rack has the focus; the tile has to be announced after that.
     QMetaObject::invokeMethod(this, &RackView::announceCurrent, Qt::QueuedConnection);
 }
 
@@ -190,10 +190,10 @@ void RackView::paintEvent(QPaintEvent *)
     }
 }
 
-/// However many changes come in one go, there is one layout behind them.
+/// Several changes in one turn of the event loop cause one layout.
 void RackView::scheduleLayout()
 {
-    // What the button went down on may stand elsewhere by now.
+    // The pressed tile may have moved.
     press_ = {};
     if (!layoutDue_) {
         layoutDue_ = true;
@@ -219,11 +219,11 @@ void RackView::layOut()
     verticalScrollBar()->setSingleStep((grid_.tile.height() + gridSpacing) / scrollStepsInRow);
     verticalScrollBar()->setPageStep(viewport()->height());
     verticalScrollBar()->setRange(0, std::max(0, grid_.contentHeight() - viewport()->height()));
-    // The bar may have come or gone by that.
+    // The scroll bar may have been shown or hidden by that.
     grid_ = measuredGrid();
     const StationRecord left = current_.station.lock();
-    settle(current_);
-    settle(anchor_);
+    followStation(current_);
+    followStation(anchor_);
     selection_ = rack_ == nullptr ? QList<qsizetype>() : rack_->selectionIndexes();
     layOutTiles();
     if (current_.station.lock() != left) {
@@ -268,7 +268,7 @@ void RackView::layOutTiles()
     }
 }
 
-/// Brings tiles and stations of the range together; whether any tile stands for another station now.
+/// Assigns tiles to the stations of the range. Returns whether any tile has another station now.
 bool RackView::assignTiles(const TileRange &range)
 {
     std::unordered_map<const RadioModel *, RackItem *> tileOf;
@@ -325,7 +325,7 @@ RackItem *RackView::spareTile()
     for (QToolButton *button : {tile->detailsButton(), tile->playButton()}) {
         connect(button, &QToolButton::pressed, this, [this, tile] { pressedStation_ = tile->station(); });
         connect(button, &QToolButton::clicked, this, [this, tile, button] {
-            // While it was held down, the tile may have gone to another station.
+            // While the button was held down, the tile may have been given another station.
             if (delegate_ != nullptr && tile->station() == pressedStation_.lock()) {
                 delegate_->itemButtonAction(button);
             }
@@ -334,7 +334,7 @@ RackItem *RackView::spareTile()
     return tile;
 }
 
-/// The focus does not go along to another station.
+/// Takes the focus off a tile that is given to another station.
 void RackView::leaveTile(RackItem *tile)
 {
     if (tile->isAncestorOf(QApplication::focusWidget())) {
@@ -383,8 +383,8 @@ RackView::Place RackView::placeOf(qsizetype index) const
     return {.station = rack_->radioItemCollectionArray().at(index), .index = index};
 }
 
-/// Follows the station to where it stands by now; stays where it was when the station is gone.
-void RackView::settle(Place &place) const
+/// Updates the index to where the station is now; keeps it where the station has been removed.
+void RackView::followStation(Place &place) const
 {
     if (place.index < 0) {
         return;

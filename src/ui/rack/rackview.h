@@ -16,16 +16,15 @@
 class QDropEvent;
 class QMimeData;
 
-/// The favourites rack as a wrapping grid of tiles. There are tiles only for the rows that are seen and one
-/// more on either side; they go from station to station, but a station keeps its tile while it is in view.
-/// Which stations are selected is the rack's to know; which one is current, where the keys move from, is the
-/// view's.
+/// The favourites rack as a wrapping grid of tiles. There are tiles only for the visible rows and one more on
+/// either side; they are reused for other stations, but a station keeps its tile while it is in view. The
+/// rack holds which stations are selected; the view holds which one is current, where the keys move from.
 class RackView : public QAbstractScrollArea
 {
     Q_OBJECT
 
 public:
-    /// Who decides what tiles do and what may be dropped between them.
+    /// Decides what tiles do and what may be dropped between them.
     class Delegate : public RVImageView::Delegate
     {
     public:
@@ -67,15 +66,16 @@ public:
     /// Null before setRack(), and once the rack is gone.
     FavouritesRack *rack() const { return rack_; }
     qsizetype numberOfItems() const;
-    /// The tile of the station at `index`; null where there is none, be it that it is out of view.
+    /// The tile of the station at `index`; null where there is none, for instance because it is out of view.
     RackItem *itemAtIndex(qsizetype index);
     /// The station whose tile covers a point of the viewport; -1 where none does.
     qsizetype indexUnder(const QPoint &position);
-    /// Where the tile of the station at `index` stands in the viewport, or would if it reached that far.
+    /// The rectangle of the tile of the station at `index` in viewport coordinates, whether or not it is
+    /// visible.
     QRect placeOfTile(qsizetype index);
-    /// Where the keys move from; -1 before there was any.
+    /// The current tile's index, where the keys move from; -1 before there is one.
     qsizetype currentIndex();
-    /// Lets the keys move from there; does nothing where there is no such index.
+    /// Makes the tile at `index` the current one; does nothing where there is no such index.
     void setCurrent(qsizetype index);
     /// Brings the tile at `index` into view.
     void scrollToIndex(qsizetype index);
@@ -89,7 +89,7 @@ Q_SIGNALS:
     void activated(qsizetype index);
     /// A tile was clicked with the right button, or the menu key pressed on it; it is selected by now.
     void contextMenuRequested(const QPoint &globalPosition);
-    /// Tiles have moved, or stand for other stations.
+    /// Tiles have moved, or show other stations.
     void scrolled();
 
 protected:
@@ -113,22 +113,22 @@ protected:
     void dropEvent(QDropEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
 
-    /// What in this program began the drag; null for one from outside.
+    /// The object in this program that began the drag; null for a drag from outside.
     virtual const QObject *originOf(const QDropEvent &event) const;
 
 private:
-    /// A station that is remembered, and where it stood: when it is gone, the place is what is left.
+    /// A station and its index; the index remains when the station is removed.
     struct Place
     {
         std::weak_ptr<RadioModel> station;
         qsizetype index = -1;
     };
-    /// What the left button went down on.
+    /// What the left button was pressed on.
     struct Press
     {
         QPoint position;
         qsizetype index = -1;
-        /// What the click does waits for the release, because a drag may come of the press.
+        /// The click takes effect on release, because the press may begin a drag.
         bool deferred = false;
     };
 
@@ -146,7 +146,7 @@ private:
     void refreshStation(qsizetype index);
     void showSelection();
     Place placeOf(qsizetype index) const;
-    void settle(Place &place) const;
+    void followStation(Place &place) const;
     int scrollOffset() const;
     QRect focusRing() const;
 
@@ -157,7 +157,7 @@ private:
     void stepTo(TileStep step, Qt::KeyboardModifiers modifiers);
     void pressEnter();
     void startDrag(const Press &press);
-    bool takes(const QDropEvent &event) const;
+    bool accepts(const QDropEvent &event) const;
     qsizetype proposedGap(QDropEvent &event);
     void moveMark(const QPoint &pointer);
     void hideMark();
@@ -177,14 +177,14 @@ private:
     std::vector<RackItem *> pool_;
     bool layoutDue_ = false;
     bool layingOut_ = false;
-    /// The rack's, looked up once for every change of it; ascending.
+    /// A copy of the rack's selection, updated with every change; ascending.
     QList<qsizetype> selection_;
     Place current_;
     /// Where a selection with Shift begins.
     Place anchor_;
 
     Press press_;
-    /// Whose button the left button went down on.
+    /// The station whose tile button was pressed.
     std::weak_ptr<RadioModel> pressedStation_;
     /// Where a drag hovers, in the viewport.
     std::optional<QPoint> pointer_;

@@ -17,10 +17,10 @@ namespace {
 constexpr qreal tileDragOpacity = 0.6;
 constexpr int autoScrollEdge = 32;
 constexpr int autoScrollMilliseconds = 16;
-/// Of how far the pointer is into the edge: what one turn scrolls.
+/// One turn scrolls this part of the pointer's distance into the edge.
 constexpr int autoScrollDivisor = 3;
 
-/// What lies below shines through, the insertion mark above all.
+/// Translucent, so that the insertion mark below stays visible.
 QPixmap translucent(const QPixmap &picture)
 {
     QPixmap faint(picture.size());
@@ -103,7 +103,7 @@ void RackView::select(qsizetype index, Qt::KeyboardModifiers modifiers)
         selected.append(index);
     }
     rack_->setSelectionIndexes(selected);
-    // What follows a selection that others make has to be set after it.
+    // Set after the selection: a change of the selection resets the anchor.
     anchor_ = anchor;
     setCurrent(index);
 }
@@ -167,7 +167,7 @@ void RackView::stepTo(TileStep step, Qt::KeyboardModifiers modifiers)
     scrollToIndex(to);
 }
 
-/// On a button of the current tile, it is that button's.
+/// With the focus on a button of the current tile, it presses that button.
 void RackView::pressEnter()
 {
     if (auto *button = qobject_cast<QAbstractButton *>(QApplication::focusWidget())) {
@@ -190,7 +190,7 @@ void RackView::setCurrent(qsizetype index)
     announceCurrent();
 }
 
-/// Whoever has the screen read to him hears of the tile that the keys are at, not of the rack.
+/// Has screen readers announce the current tile rather than the rack.
 void RackView::announceCurrent()
 {
     if (QAccessible::isActive() && hasFocus() && current_.index >= 0) {
@@ -211,7 +211,7 @@ void RackView::showCurrent()
         const bool becomesCurrent = current && !tile->isCurrent();
         tile->setCurrent(current);
         if (becomesCurrent) {
-            // Only now do the buttons take part in it.
+            // Only now are the buttons in the tab order.
             setTabOrder(this, tile->detailsButton());
             setTabOrder(tile->detailsButton(), tile->playButton());
         }
@@ -242,19 +242,19 @@ const QObject *RackView::originOf(const QDropEvent &event) const
     return event.source();
 }
 
-bool RackView::takes(const QDropEvent &event) const
+bool RackView::accepts(const QDropEvent &event) const
 {
     const auto carries = [&event](const QString &type) { return event.mimeData()->hasFormat(type); };
     return delegate_ != nullptr && originOf(event) != nullptr &&
            std::any_of(draggedTypes_.begin(), draggedTypes_.end(), carries);
 }
 
-/// Answers the event with what a drop there would do; the gap, or -1 where it would do nothing.
+/// Sets the event's action to what a drop there would do. Returns the gap, or -1 where it would do nothing.
 qsizetype RackView::proposedGap(QDropEvent &event)
 {
     layOutIfDue();
     event.ignore();
-    if (!takes(event)) {
+    if (!accepts(event)) {
         return -1;
     }
     const qsizetype gap = grid_.gapAt(event.position().toPoint() + QPoint(0, scrollOffset()));

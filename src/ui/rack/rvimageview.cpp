@@ -35,7 +35,7 @@ void RVImageView::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(square, picture_);
     painter.end();
-    // Files that are dragged over it are offered to it first; it takes none, and they go on to its parents.
+    // Files that are dragged over it are offered to it first; it ignores them, and they go on to its parents.
     setAcceptDrops(true);
 }
 
@@ -92,7 +92,7 @@ void RVImageView::click(QMouseEvent *event)
     }
 }
 
-/// What follows a press belongs to it, or else a drag could begin in a parent.
+/// Accepted, or else a drag could begin in a parent.
 void RVImageView::mouseMoveEvent(QMouseEvent *event)
 {
     event->setAccepted(event->buttons().testFlag(Qt::LeftButton));

@@ -7,15 +7,15 @@
 #include <QString>
 #include <QWidget>
 
-/// The artwork of a station: the middle of its picture, with rounded corners. Two clicks in a row are its
-/// action; a single one does nothing here, so that neither a selection nor a drag begins on it, and nor does
-/// any beyond the second.
+/// The artwork of a station: the middle of its picture, with rounded corners. A double click is its action. A
+/// single click does nothing, so that neither a selection nor a drag begins on it; nor do further clicks of a
+/// series.
 class RVImageView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Who is told of a double click.
+    /// Receives the double clicks.
     class Delegate
     {
     public:
@@ -27,7 +27,7 @@ public:
 
     explicit RVImageView(QWidget *parent = nullptr);
 
-    /// May be null; nobody is told then. Not owned.
+    /// May be null. Not owned.
     void setDelegate(Delegate *delegate) { delegate_ = delegate; }
 
     /// Shows the picture in the file at `path`, a resource or an absolute path; that at `fallback`, a

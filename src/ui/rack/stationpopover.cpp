@@ -159,7 +159,7 @@ void StationPopover::chooseFile()
         return;
     }
     const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    // In the popover it would be dressed as its controls are.
+    // A child of the window, because it would take on the popover's style sheet otherwise.
     dialog_ = new QFileDialog(window(), tr("Choose a Picture"),
                               QDir(pictures).exists() ? pictures : QDir::homePath());
     dialog_->setAttribute(Qt::WA_DeleteOnClose);

@@ -15,8 +15,8 @@ class ServerForm;
 class StationForm;
 } // namespace Ui
 
-/// One station of the rack, open to be edited. Every edit is told at once, and only what the user has edited:
-/// the record itself is never written by this. Its controls are made when it is first shown.
+/// The editor of one station of the rack. Each edit by the user is signalled at once; this never writes to
+/// the record itself. Its controls are made when it is first shown.
 class StationPopover : public Popover
 {
     Q_OBJECT
@@ -32,13 +32,13 @@ public:
     StationPopover(QWidget *window, Kind kind);
     ~StationPopover() override;
 
-    /// Where the one called "PathTransformer" is looked for, which finds the picture of a station; without it
-    /// the record's own text is its path. Not owned; outlives this.
+    /// Holds "PathTransformer", which gives the path of a station's picture; without it the record's own text
+    /// is the path. Not owned; outlives this.
     void setTransformers(const ValueTransformers *transformers) { transformers_ = transformers; }
 
-    /// Shows `station`, which is null for none, as it is now. A password is hidden again. Nothing is told.
+    /// Shows `station`, which is null for none, as it is now. A password is hidden again. Emits nothing.
     void setStation(const StationRecord &station);
-    /// Null where there is none, and when its last owner has let it go.
+    /// Null where there is none, and when its last owner has released it.
     StationRecord station() const { return station_.lock(); }
 
 Q_SIGNALS:
@@ -59,7 +59,7 @@ private:
     void copyAddress();
     void showStation();
     void showPicture(const QVariant &value);
-    /// The name of the picture of a station that has no other.
+    /// The name of the default picture of the station.
     QString defaultPicture() const;
 
     Kind kind_;

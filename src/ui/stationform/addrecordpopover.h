@@ -6,8 +6,7 @@ class VAddRecord;
 class VAddRecordDelegate;
 
 /// The popover with the form for a station of the user's own: `customRadioPopOver`, semi-transient. There is
-/// one form, made when it is first shown or asked for, and what stands in it stays from one showing to the
-/// next.
+/// one form, made when it is first shown or asked for, which keeps its contents from one showing to the next.
 class AddRecordPopover : public Popover
 {
     Q_OBJECT
@@ -18,7 +17,7 @@ public:
     /// The one editor, owned by this.
     VAddRecord *editor();
 
-    /// Who takes the stations that are made here; see VAddRecord::setDelegate(). Does not make the editor.
+    /// Receives the stations that are made here; see VAddRecord::setDelegate(). Does not make the editor.
     void setDelegate(VAddRecordDelegate *delegate);
 
 protected:

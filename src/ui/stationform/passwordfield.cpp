@@ -31,7 +31,7 @@ void PasswordField::conceal()
 void PasswordField::reveal(bool revealed)
 {
     setEchoMode(revealed ? Normal : Password);
-    // Shown or not, it is nothing for a dictionary or a list of suggestions.
+    // Hidden or shown, a password must not reach an input method's dictionary or suggestions.
     setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
                         Qt::ImhNoAutoUppercase);
     revealButton_->setIcon(svgIcon(revealed ? QStringLiteral("eye-off") : QStringLiteral("eye"),

@@ -12,7 +12,7 @@ class PasswordField : public QLineEdit
 public:
     explicit PasswordField(QWidget *parent = nullptr);
 
-    /// Inside the line; in the order of the Tab key its place is after it, which whoever sets one has to say.
+    /// Inside the line. A tab order that is set explicitly has to name it after the field.
     QToolButton *revealButton() const { return revealButton_; }
 
     /// Hides what may have been revealed.

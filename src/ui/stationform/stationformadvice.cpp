@@ -26,13 +26,13 @@ bool hasPath(const QUrl &url)
     return url.path().size() > 1;
 }
 
-/// Whether what is put behind `query` leaves its values as they are.
+/// Whether appending to `query` leaves its values unchanged.
 bool isOpenEnded(const QString &query)
 {
     return query.isEmpty() || query.endsWith(u'&');
 }
 
-/// What stands in an address is escaped when it is played, and would be once more if it was already.
+/// Decoded, because the address is escaped when it is played, and would be escaped twice.
 QString decodedQuery(const QUrl &url)
 {
     const QString query = url.query(QUrl::FullyDecoded);

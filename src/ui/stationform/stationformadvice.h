@@ -3,7 +3,7 @@
 #include <QString>
 #include <optional>
 
-/// What stands in the form of a station of the user's own, as it stands there.
+/// The contents of the form for a station of the user's own, as typed.
 struct StationFormValues
 {
     QString url;
@@ -36,7 +36,7 @@ struct StationFormAdvice
         MountpointNoSlash,
         /// A public station's port would end up behind one that the address has, or behind its last slash.
         PortInPublicAddress,
-        /// A public station's port would end up in the path of its stream, or would not be heard at all.
+        /// A public station's port would end up in the path of its stream, or would be ignored.
         PathInPublicAddress,
         /// A private station has nothing but its field to take the port from.
         PortMissing,
@@ -57,8 +57,8 @@ struct StationFormAdvice
 /// nor about the first letters of an address.
 ///
 /// A public station is played from its address, its mount point, ":" and its port, one after the other. So a
-/// path keeps its name only if what comes behind it is in the query, where servers take no notice of it: the
-/// remedy is one whole address that ends in "?" or "&", with no port in the field. A private station is
-/// played from its fields, and only the query of its address counts beside the server's name; the mount point
-/// lands behind that query, which therefore ends in "&".
+/// path keeps its name only if what comes behind it is in the query, where servers ignore it: the remedy is
+/// one whole address that ends in "?" or "&", with no port in the field. A private station is played from its
+/// fields, and only the query of its address counts beside the server's name; the mount point lands behind
+/// that query, which therefore ends in "&".
 StationFormAdvice adviceFor(const StationFormValues &form);

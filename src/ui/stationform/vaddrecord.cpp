@@ -11,7 +11,7 @@ namespace {
 /// Two lines of text in the usual font.
 constexpr int hintHeight = 40;
 
-/// The user can take it back in the field, as what he types himself.
+/// The user can undo it in the field, like typed text.
 void replaceText(QLineEdit *field, const QString &text)
 {
     if (field->text() != text) {
@@ -32,7 +32,7 @@ VAddRecord::VAddRecord(QWidget *parent)
     setTabOrder(ui_->passwordField, reveal);
     setTabOrder(reveal, ui_->remedyButton);
 
-    // The form keeps its shape while they come and go.
+    // The form keeps its layout while they are shown and hidden.
     QSizePolicy policy = ui_->remedyButton->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     ui_->remedyButton->setSizePolicy(policy);
@@ -123,7 +123,7 @@ void VAddRecord::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
         return;
     }
-    // A key that is held down adds one station and not a dozen.
+    // A key that is held down adds one station only.
     if (event->isAutoRepeat()) {
         return;
     }
@@ -136,7 +136,7 @@ void VAddRecord::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     if (!event->spontaneous()) {
-        // The next station hardly has the title of the last one.
+        // The next station will have another title.
         ui_->titleField->selectAll();
     }
 }

@@ -16,7 +16,7 @@ namespace Ui {
 class VAddRecord;
 }
 
-/// Whoever takes the stations that are made in a VAddRecord.
+/// Receives the stations that are made in a VAddRecord.
 class VAddRecordDelegate
 {
 public:
@@ -26,9 +26,9 @@ public:
     virtual void vaaddrecordDidFinish(VAddRecord *sender, const StationRecord &data) = 0;
 };
 
-/// The form for a station of the user's own. Every confirm makes a new record of what stands in the fields,
-/// as it stands there: nothing is checked, and the fields keep it for the next one. What would hardly play is
-/// said in one quiet line, some of it with a button that puts it right. The Enter key confirms, except on a
+/// The form for a station of the user's own. Every confirm makes a new record of the fields' contents as
+/// typed: nothing is checked, and the fields keep them for the next record. What would hardly play is said in
+/// one unobtrusive line, in some cases with a button that corrects it. The Enter key confirms, except on a
 /// button, which it presses.
 class VAddRecord : public QWidget
 {

@@ -151,7 +151,7 @@ void RVTableView::paintFocus(QPainter &painter) const
     painter.drawRoundedRect(row.adjusted(inset, inset, -inset, -inset), rowCornerRadius, rowCornerRadius);
 }
 
-/// The toolkit paints the two cells anew, the ring goes round their rows.
+/// Qt repaints the two cells; the focus ring goes round their rows.
 void RVTableView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
     QTableView::currentChanged(current, previous);

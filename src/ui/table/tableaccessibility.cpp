@@ -25,8 +25,8 @@ QString textOf(const QAbstractItemModel &model, int row, int column, int role)
                                  : model.index(row, column).data(role).toString();
 }
 
-/// The table. Its children are the header's cells, then row after row, each behind its own header: the order
-/// in which the toolkit counts when it says which cell has the focus.
+/// The table. Its children are the header's cells, then row after row, each after its row header: the order
+/// that Qt's item views use to report which cell has the focus.
 class TableAccessible final : public QAccessibleWidget, public QAccessibleTableInterface
 {
 public:
@@ -79,7 +79,7 @@ protected:
 private:
     void dropChildren();
 
-    /// By their place among the children; made when they are first asked for.
+    /// By child index; made on demand.
     mutable std::unordered_map<int, QAccessible::Id> children_;
 };
 
@@ -127,7 +127,7 @@ public:
 
 private:
     bool isCell() const { return row_ != headerPlace && column_ != headerPlace; }
-    /// As for the pointer, by what is shown in it.
+    /// Decided as for a click: by whether its title is shown.
     bool isSortable() const;
     QRect inViewport() const;
 
@@ -259,7 +259,7 @@ QAccessible::Role CellAccessible::role() const
     return row_ == headerPlace ? QAccessible::ColumnHeader : QAccessible::RowHeader;
 }
 
-/// The headers of rows are not shown: such a one stands at the beginning of its row, without any width.
+/// Row headers are not shown: each is at the beginning of its row, with no width.
 QRect CellAccessible::inViewport() const
 {
     const RVTableView &view = *table_.view();

@@ -14,7 +14,7 @@ constexpr QLatin1StringView orderKey("columns/order");
 /// In logical pixels, as all widths here. Wider than any screen.
 constexpr int widestColumn = 4000;
 
-/// How wide a column is: its part of what the columns with a part have together, within limits. The last
+/// The width of a column: its share of what all columns with a share have together, within limits. The last
 /// column has no entry: it takes the rest.
 struct Width
 {
@@ -59,7 +59,7 @@ TableColumns::TableColumns(QHeaderView &header, StateFile &state, QObject *paren
     header_.viewport()->installEventFilter(this);
     connect(&header_, &QHeaderView::sectionMoved, this, &TableColumns::keepOrder);
     connect(&header_, &QHeaderView::sectionResized, this, [this](int section) {
-        // Neither the columns' shares nor what the last one is left with is the user's doing.
+        // Neither the columns' shares nor the last one's rest are set by the user.
         if (!sharing_ && header_.visualIndex(section) != header_.count() - 1) {
             shared_ = false;
             keepWidths();
@@ -77,7 +77,7 @@ bool TableColumns::eventFilter(QObject *watched, QEvent *event)
 
 void TableColumns::restoreOrder()
 {
-    // An order of other columns than these, or one that begins with another, is none.
+    // An order of other columns than these, or one that begins with another column, is ignored.
     const QStringList order = state_.texts(orderKey);
     if (sorted(order) == sorted(identifiers_) && order.constFirst() == identifiers_.constFirst()) {
         for (int place = 1; place < header_.count(); ++place) {

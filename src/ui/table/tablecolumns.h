@@ -7,8 +7,8 @@ class QHeaderView;
 class StateFile;
 
 /// The widths and the order of the station table's columns. Until the user sets a width, those of text share
-/// the room that the table has; from then on all stay as he has them, also at later starts. What the state
-/// file holds is checked piece by piece: what makes no sense leaves that piece as it was.
+/// the room that the table has; from then on all keep the user's widths, also at later starts. The values in
+/// the state file are checked one by one: an invalid one leaves its default.
 class TableColumns : public QObject
 {
     Q_OBJECT

@@ -10,7 +10,7 @@ int ClickCount::count(const QMouseEvent &event)
     const bool goesOn = count_ > 0 && event.button() == button_ && event.timestamp() >= time_ &&
                         event.timestamp() - time_ < static_cast<quint64>(hints.mouseDoubleClickInterval()) &&
                         (event.globalPosition() - place_).manhattanLength() < hints.startDragDistance();
-    // The first click of a double one may have gone to another view.
+    // The first click of a double click may have gone to another view.
     const int first = event.type() == QEvent::MouseButtonDblClick ? 2 : 1;
     count_ = goesOn ? count_ + 1 : first;
     button_ = event.button();

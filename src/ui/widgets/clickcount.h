@@ -5,14 +5,14 @@
 
 class QMouseEvent;
 
-/// Counts the clicks of a quick series, as far as it goes: the toolkit itself tells only single clicks and
-/// double ones, and begins anew with the third.
+/// Counts the clicks of a quick series of any length: Qt itself reports only single and double clicks, and
+/// starts over with the third.
 class ClickCount
 {
 public:
-    /// Takes a press or a double-click event, each that the view gets and in their order, and gives its place
-    /// in its series, from 1. A series ends with another button, a pause longer than the desktop's for double
-    /// clicks, or a press farther away than where a drag would begin.
+    /// To be called for every press and double-click event of the view, in order. Returns the event's
+    /// position in its series, from 1. A series ends with another button, a pause longer than the desktop's
+    /// double-click interval, or a press farther away than the drag distance.
     int count(const QMouseEvent &event);
 
 private:
@@ -20,6 +20,6 @@ private:
     Qt::MouseButton button_ = Qt::NoButton;
     /// In milliseconds of the events' own clock.
     quint64 time_ = 0;
-    /// On the screen, so that a view that moves under the pointer is not clicked twice.
+    /// In screen coordinates, so that a series stays one when the view moves under the pointer.
     QPointF place_;
 };

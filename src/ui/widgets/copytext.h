@@ -2,5 +2,5 @@
 
 #include <QString>
 
-/// Puts `text` on the clipboard as it stands; leaves the clipboard alone where there is nothing in it.
+/// Puts `text` on the clipboard as it stands; does nothing where `text` is empty.
 void copyText(const QString &text);

@@ -42,7 +42,7 @@ void ElidingLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     QStringList lines = brokenLines();
     lines.last() = fontMetrics().elidedText(lines.last(), Qt::ElideRight, contentsRect().width());
-    // The text is read in its own direction, whichever way the window is; only its side is the window's.
+    // The text keeps its own direction; only its alignment follows the window's.
     painter.setLayoutDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     const auto side = QStyle::visualAlignment(layoutDirection(), alignment()) | Qt::AlignAbsolute;
     style()->drawItemText(&painter, contentsRect(), static_cast<int>(side), palette(), isEnabled(),

@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// A label of one line of plain text, or of a few. What does not fit is elided, so that the width of a text
-/// never moves its neighbours; the tooltip then shows the whole.
+/// never moves its neighbours; the tooltip then shows the whole text.
 class ElidingLabel : public QLabel
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    /// All lines, the last one with the rest of the text whether or not it fits.
+    /// All lines; the last one holds the rest of the text, whether or not it fits.
     QStringList brokenLines() const;
     bool fits(const QString &line) const;
 

@@ -2,5 +2,5 @@
 
 #include <QString>
 
-/// A name as it is compared with what somebody has typed: without case, accents, blanks and hyphens.
+/// A name as it is compared with what the user has typed: without case, accents, blanks and hyphens.
 QString foldedName(const QString &name);

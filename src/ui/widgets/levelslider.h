@@ -3,7 +3,7 @@
 #include <QSlider>
 
 /// A horizontal slider that is filled from 0, wherever in its range that lies, to its value. A press anywhere
-/// takes the handle there; a double click brings it back to 0 where 0 is in the middle of the range.
+/// moves the handle there; a double click resets it to 0 where 0 is in the middle of the range.
 class LevelSlider : public QSlider
 {
     Q_OBJECT

@@ -18,7 +18,7 @@ struct Colours
     QRgb button;
     QRgb ink;
     QRgb disabledInk;
-    QRgb quietInk;
+    QRgb secondaryInk;
     /// The one accent: what is selected, and what plays.
     QRgb accent;
     QRgb accentInk;
@@ -39,15 +39,14 @@ QPalette paletteOf(const Colours &colours)
         palette.setColor(role, QColor(colours.ink));
         palette.setColor(QPalette::Disabled, role, QColor(colours.disabledInk));
     }
-    palette.setColor(QPalette::PlaceholderText, QColor(colours.quietInk));
+    palette.setColor(QPalette::PlaceholderText, QColor(colours.secondaryInk));
     palette.setColor(QPalette::Highlight, QColor(colours.accent));
     palette.setColor(QPalette::HighlightedText, QColor(colours.accentInk));
     return palette;
 }
 
-/// Every menu bar gets its style's icon for menus that have no room, and the one that comes with the style is
-/// a picture for which the toolkit opens the plugins of all picture formats: a tenth of the time to the first
-/// frame.
+/// Every menu bar asks its style for the icon of the menus that do not fit. For Fusion's own picture Qt loads
+/// the plugins of all image formats: a tenth of the time to the first frame.
 class LookStyle : public QProxyStyle
 {
 public:
@@ -60,7 +59,7 @@ public:
                        const QWidget *widget) const override
     {
         return pixmap == SP_ToolBarHorizontalExtensionButton
-                   ? svgIcon(QStringLiteral("more"), QColor(light.quietInk))
+                   ? svgIcon(QStringLiteral("more"), QColor(light.secondaryInk))
                    : QProxyStyle::standardIcon(pixmap, option, widget);
     }
 };
@@ -73,7 +72,7 @@ bool isDark(const QPalette &palette)
 
 void applyLook(QApplication &application, Palette palette)
 {
-    // They lie in a static library, whose initialisers the linker drops.
+    // The resources are in a static library, whose initialisers the linker drops.
     Q_INIT_RESOURCE(plumtide);
     QApplication::setStyle(new LookStyle);
     QApplication::setPalette(paletteOf(palette == Palette::Dark ? dark : light));

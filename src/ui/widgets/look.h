@@ -11,6 +11,6 @@ enum class Palette { Light, Dark };
 /// Whether a window of that palette is dark.
 bool isDark(const QPalette &palette);
 
-/// Dresses the whole application: one style, one palette, one style sheet, so that it looks the same on every
-/// desktop. Called again, it changes what is shown.
+/// Sets the look of the whole application: one style, one palette, one style sheet, so that it is the same on
+/// every desktop. Called again, it changes the look at once.
 void applyLook(QApplication &application, Palette palette = Palette::Light);

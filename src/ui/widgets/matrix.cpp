@@ -21,7 +21,7 @@ void Matrix::selectCellAt(int row, int column)
     }
     const Position old = selected();
     if (auto *button = qobject_cast<QAbstractButton *>(cellAt(old.row, old.column))) {
-        // One of several that exclude each other cannot be let go of otherwise.
+        // An exclusive button cannot be unchecked otherwise.
         button->setAutoExclusive(false);
         button->setChecked(false);
         button->setAutoExclusive(true);

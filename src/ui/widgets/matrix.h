@@ -4,8 +4,8 @@
 
 class QGridLayout;
 
-/// A titled grid of radio buttons, its cells: at most one of them is selected. The cells are what stands in
-/// its grid layout, and count from 0.
+/// A titled grid of radio buttons, its cells: at most one of them is selected. The cells are the widgets in
+/// its grid layout; rows and columns count from 0.
 class Matrix : public QGroupBox
 {
     Q_OBJECT

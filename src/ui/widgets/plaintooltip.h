@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// `text` as a tooltip that shows it to the letter: tooltips guess whether they are given HTML, and this one
-/// is.
+/// `text` as a tooltip that shows it literally. QToolTip guesses whether a text is HTML, so that this is HTML
+/// with the text escaped.
 inline QString plainToolTip(const QString &text)
 {
     return text.isEmpty() ? QString()

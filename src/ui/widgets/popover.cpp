@@ -30,7 +30,7 @@ Popover::Popover(QWidget *window)
     setFocusPolicy(Qt::ClickFocus);
     auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     connect(escape, &QShortcut::activated, this, &QWidget::close);
-    // There is one for each popover that is open; they share the key.
+    // Each open popover has one; they share the key.
     connect(escape, &QShortcut::activatedAmbiguously, this, &Popover::closeTopmost);
     window->installEventFilter(this);
 }
@@ -73,7 +73,7 @@ void Popover::place()
     QRect card(QPoint(), size());
     card.moveCenter(anchor.center());
     card.moveLeft(std::clamp(card.left(), room.left(), std::max(room.left(), room.right() - card.width())));
-    // One that fits on neither side covers its control rather than leave the window.
+    // A card that fits on neither side covers its control rather than leave the window.
     card.moveTop(below_ ? std::min(anchor.bottom(), room.bottom() - card.height())
                         : anchor.top() - card.height());
     card.moveTop(std::max(card.top(), room.top()));
@@ -115,8 +115,7 @@ bool Popover::isTurningElsewhere(const QWidget &widget, QEvent *event) const
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: {
-        // What counts is the place: a press that no control inside wants comes by again on its way to the
-        // window.
+        // Decided by position: a press that no control inside accepts arrives again on its way to the window.
         const QPoint position = static_cast<QMouseEvent *>(event)->globalPosition().toPoint();
         return !rect().contains(mapFromGlobal(position)) &&
                !(view_ && rectangle_.contains(view_->mapFromGlobal(position)));

@@ -4,8 +4,8 @@
 #include <QRect>
 #include <QWidget>
 
-/// A card that floats over its window, beside the control that opened it. It takes no click away from what
-/// lies around it, and stays until whoever opened it closes it, or Esc does, or its behaviour asks for it.
+/// A card that floats over its window, beside the control that opened it. It does not block clicks around it,
+/// and stays open until its owner or Esc closes it, or its behaviour does.
 class Popover : public QWidget
 {
     Q_OBJECT
@@ -17,11 +17,11 @@ public:
     bool isShown() const { return isVisible(); }
 
     enum class Behaviour {
-        /// It closes when it is told to.
+        /// It closes only when close() is called, or by Esc.
         ApplicationDefined = 0,
         /// It closes as well when the user turns to another control of its window, by a press, which that
-        /// control gets, or with the keyboard. The control that opened it is left to close it. Other windows
-        /// and applications do not count.
+        /// control gets, or with the keyboard. A press on the control that opened it is left to that control.
+        /// Other windows and applications do not count.
         SemiTransient = 2,
     };
     Behaviour behaviour() const { return behaviour_; }
@@ -37,10 +37,10 @@ public:
     /// The same where it is not shown; else closes it.
     void toggleRelativeTo(const QRect &rectangle, QWidget *view, Side preferred = Side::Below);
 
-    /// Goes where its control has gone, or to the one that stands for it now.
+    /// Moves to where its control is now; `view` may be another one that has taken the control's place.
     void follow(QWidget *view);
-    /// Its control is out of sight, and may come to stand for something else: it stays where it is, and when
-    /// it closes, the focus goes to `instead`.
+    /// To be called when its control has gone out of view and may be reused: the popover stays where it is,
+    /// and when it closes, the focus goes to `instead`.
     void leave(QWidget *instead);
 
 protected:
@@ -55,7 +55,8 @@ protected:
 private:
     void place();
     void closeTopmost();
-    /// Whether `event`, on its way to `widget`, is the user's turning to another control of this window.
+    /// Whether `event`, which is sent to `widget`, means that the user turns to another control of this
+    /// window.
     bool isTurningElsewhere(const QWidget &widget, QEvent *event) const;
 
     QRect rectangle_;

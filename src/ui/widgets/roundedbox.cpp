@@ -3,7 +3,7 @@
 #include <QPainter>
 
 namespace {
-/// Seen on a light window, and lost on a dark one, where the ground is frame enough.
+/// Visible on a light window; on a dark one the background alone frames the box.
 constexpr QColor boxLine(0, 0, 0, 24);
 } // namespace
 
@@ -30,7 +30,7 @@ void RoundedBox::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(boxLine);
     painter.setBrush(backgroundColor_);
-    // Half a pixel in, so that the line covers whole ones.
+    // Half a pixel inwards, so that the line covers whole pixels.
     constexpr qreal half = 0.5;
     painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), cornerRadius_, cornerRadius_);
 }

@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QWidget>
 
-/// A box that frames what lies in it by its ground: rounded corners, a faint line around.
+/// A box that frames its contents with a background, rounded corners and a faint outline.
 class RoundedBox : public QWidget
 {
     Q_OBJECT

@@ -3,8 +3,8 @@
 #include <QBasicTimer>
 #include <QWidget>
 
-/// A small turning ring that says that something is being waited for. Keeps its place, and stays unseen and
-/// without a timer while nothing is.
+/// A small turning ring that shows that something is awaited. While nothing is, it keeps its space, invisible
+/// and without a timer.
 class Spinner : public QWidget
 {
     Q_OBJECT

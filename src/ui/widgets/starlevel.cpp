@@ -94,7 +94,7 @@ void StarLevel::mousePressEvent(QMouseEvent *event)
 
 void StarLevel::mouseMoveEvent(QMouseEvent *event)
 {
-    // A press alone may tremble; it takes another star's width to make it a drag.
+    // A press may move a little; only reaching another star makes it a drag.
     if (isSliderDown() && starsAt(*event) != std::max(1, value())) {
         setValue(starsAt(*event));
     }
@@ -105,7 +105,7 @@ void StarLevel::mouseReleaseEvent(QMouseEvent *)
     setSliderDown(false);
 }
 
-/// Whoever scrolls over it does not mean to rate.
+/// Scrolling over the stars must not change the rating.
 void StarLevel::wheelEvent(QWheelEvent *event)
 {
     event->ignore();

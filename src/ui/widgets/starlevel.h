@@ -4,7 +4,8 @@
 #include <QSlider>
 
 /// A rating of 0 to 5 stars. Where it is editable, a press or a drag over the stars sets as many, a press on
-/// the only star of one takes that away, and the keys count up and down; elsewhere it takes no events at all.
+/// the only set star clears it, and the keys count up and down. One that is not editable takes no events at
+/// all.
 class StarLevel : public QSlider
 {
     Q_OBJECT
@@ -21,7 +22,7 @@ public:
         QColor unset;
     };
     /// Draws `stars` of the stars as set and the others as unset, all of them over the width of `place`,
-    /// begun on the side where a line in that direction begins. The painter's pen and brush are changed.
+    /// starting on the side where a line in that direction starts. The painter's pen and brush are changed.
     static void paint(QPainter &painter, const QRectF &place, int stars, const Inks &inks,
                       Qt::LayoutDirection direction);
 

@@ -7,6 +7,6 @@
 /// The picture `name` among the program's icons, crisp at every size and scale factor.
 QIcon svgIcon(const QString &name);
 
-/// The same drawn in one colour: whatever the picture draws in `currentColor` takes `ink`, and half of it
-/// while disabled.
+/// The same drawn in one colour: what the picture draws in `currentColor` takes `ink`, and is fainter while
+/// disabled.
 QIcon svgIcon(const QString &name, const QColor &ink);

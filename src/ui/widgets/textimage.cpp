@@ -101,7 +101,7 @@ void TextImage::dropEvent(QDropEvent *event)
         return;
     }
     {
-        // It would report the text of the drop, an address, before the path that takes its place.
+        // It would report the dropped text, a URL, before the path that replaces it.
         const QSignalBlocker quiet(this);
         QLineEdit::dropEvent(event);
     }
@@ -115,7 +115,7 @@ void TextImage::dropEvent(QDropEvent *event)
         Q_EMIT textEdited(text());
         return;
     }
-    // The file itself stays where it is, whatever the drag proposed.
+    // The file itself is not moved, whatever action the drag proposed.
     if (event->possibleActions().testFlag(Qt::CopyAction)) {
         event->setDropAction(Qt::CopyAction);
         event->accept();

@@ -2,8 +2,8 @@
 
 #include <QLineEdit>
 
-/// A line that takes the path of a file that is dropped on it. While a drag hovers over it it is empty; what
-/// stood in it comes back when the drag leaves, or when its drop brings nothing, and nobody is told of that.
+/// A line that takes the path of a file that is dropped on it. While a drag hovers over it, it is empty; its
+/// text returns when the drag leaves or the drop brings nothing, without a signal.
 class TextImage : public QLineEdit
 {
     Q_OBJECT

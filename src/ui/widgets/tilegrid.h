@@ -6,10 +6,10 @@
 #include <QSize>
 #include <optional>
 
-/// Which way a key moves in a grid: left and right as they are seen, whichever way it is read.
+/// Which way a key moves in a grid: left and right on the screen, whatever the layout direction.
 enum class TileStep { left, right, up, down, pageUp, pageDown, first, last };
 
-/// Where an arrow key, Home, End, PageUp or PageDown leads; none for any other.
+/// The step of an arrow key, Home, End, PageUp or PageDown; none for any other key.
 std::optional<TileStep> tileStepOf(int key);
 
 /// Indexes from `first` up to, and without, `end`.
@@ -21,9 +21,9 @@ struct TileRange
     friend bool operator==(const TileRange &, const TileRange &) = default;
 };
 
-/// A grid of equal tiles that wraps at the width of its viewport: where each stands, and what stands at a
+/// A grid of equal tiles that wraps at the width of its viewport: where each tile is, and which tile is at a
 /// point. Points and rectangles are in logical pixels from the top left of the content, which is as wide as
-/// the viewport. Nothing here takes longer for more tiles.
+/// the viewport. Every operation takes constant time.
 struct TileGrid
 {
     QSize tile{1, 1};
@@ -39,26 +39,26 @@ struct TileGrid
     int columns() const;
     qsizetype rows() const;
     int contentHeight() const;
-    /// Where the tile at `index` stands; also for an index that has none yet.
+    /// The rectangle of the tile at `index`; also for an index that has no tile yet.
     QRect rectOf(qsizetype index) const;
     /// The tile that covers the point; -1 where none does.
     qsizetype indexAt(const QPoint &point) const;
     /// The indexes of all rows that reach into the pixels from `top` to `bottom`.
     TileRange indexesWithin(int top, int bottom) const;
-    /// Where in the order something that is dropped at the point belongs: 0 is before the first tile, `count`
-    /// after the last, and below all rows.
+    /// The gap in the order for a drop at the point: 0 is before the first tile, `count` after the last, also
+    /// for a point below all rows.
     qsizetype gapAt(const QPoint &point) const;
-    /// The bar that shows the gap. The one between two rows has two places; it is shown in the row that
+    /// The bar that marks the gap. A gap between two rows has two positions; it is marked in the row that
     /// `pointer` is in.
     QRect markOf(qsizetype gap, const QPoint &pointer) const;
-    /// Where a step from `index` leads; to itself at the edge. `pageHeight` is how much is seen at a time.
-    /// There has to be a tile.
+    /// The index that a step from `index` leads to; `index` itself at the edge. `pageHeight` is the height of
+    /// the visible part. There has to be a tile.
     qsizetype neighbour(qsizetype index, TileStep step, int pageHeight) const;
 
 private:
     int pitchAcross() const { return tile.width() + spacing; }
     int pitchDown() const { return tile.height() + spacing; }
-    /// May be below 0, and beyond the last.
+    /// May be below 0, and beyond the last row.
     qsizetype rowAt(int y) const;
     QRect mirrored(const QRect &rectangle) const;
 };

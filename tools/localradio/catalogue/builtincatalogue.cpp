@@ -85,8 +85,8 @@ int listenersAt(std::size_t rank, QRandomGenerator &random)
     return static_cast<int>(typical * (0.8 + 0.4 * random.generateDouble()));
 }
 
-/// The formats take turns at the head of the list, so that a glance shows all three; further down they
-/// occur as often as one meets them.
+/// The formats take turns at the head of the list, so that a glance shows all three; further down they occur
+/// as often as in real directories.
 Format formatAt(std::size_t rank, QRandomGenerator &random)
 {
     if (rank < 12) {
@@ -96,7 +96,7 @@ Format formatAt(std::size_t rank, QRandomGenerator &random)
     return dice < 58 ? Format::Mp3 : dice < 86 ? Format::Aac : Format::Ogg;
 }
 
-/// What the station says about its bit rate: mostly the truth.
+/// The bit rate that the station advertises: mostly the true one.
 int advertisedBitrate(Format format, QRandomGenerator &random)
 {
     static constexpr std::array<int, 8> others{32, 48, 96, 160, 192, 192, 256, 320};

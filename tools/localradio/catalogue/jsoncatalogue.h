@@ -4,7 +4,7 @@
 
 namespace localradio {
 
-/// The stations of somebody's own JSON file; they tune in to their own addresses.
+/// The stations of the user's own JSON file; they tune in to their own addresses.
 class JsonCatalogue : public Catalogue
 {
 public:

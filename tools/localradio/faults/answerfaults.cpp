@@ -29,7 +29,7 @@ bool AnswerFaults::serve(HttpConnection &connection, const RequestTarget &target
     }
     const QString order = search.sliced(prefix.size());
     if (order.startsWith(redirect)) {
-        // The user's own characters: bytes beyond ASCII and blanks would break the header.
+        // Escaped: bytes beyond ASCII and blanks would break the header.
         const QByteArray wanted = order.sliced(redirect.size()).toUtf8().toPercentEncoding(":/?&=@#[]%+,;");
         const QByteArray top =
             "/legacy/Top500/?k=" + target.parameter(QLatin1StringView("k")).toUtf8().toPercentEncoding();

@@ -7,7 +7,8 @@ namespace localradio {
 
 class HttpConnection;
 
-/// The faults of the directory's answers: who searches for "fault:" and a fault's name is answered with it.
+/// The faults of the directory's answers: a search for "fault:" and a fault's name is answered with that
+/// fault.
 class AnswerFaults
 {
 public:

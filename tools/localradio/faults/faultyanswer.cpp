@@ -103,7 +103,7 @@ FaultyAnswer dripping(FaultyAnswer answer, qint64 bytesPerSecond)
 
 FaultyAnswer endlessHeaders()
 {
-    // Each of another name: a client may join those of one.
+    // Each with another name: a client may join headers of the same name.
     const auto header = [](qint64 number) { return "X-" + QByteArray::number(number) + ": endless\r\n"; };
     return {200, "HTTP/1.1 200 OK\r\n", {{}, header, LongText::endless}, {}};
 }
@@ -114,8 +114,8 @@ FaultyAnswer endlessBody(const Order &order)
                      [line = station(order, "Endless")](qint64) { return line; }, LongText::endless});
 }
 
-/// Deflate of one letter 2064 times over; what frames it makes that one block of a gzip file. The sum at its
-/// end is wrong, which who inflates it learns too late.
+/// A gzip file of one deflate block, each piece of which inflates to 2064 equal letters. Its checksum is
+/// wrong, which a client notices only after it has inflated everything.
 FaultyAnswer bomb(const Order &order)
 {
     constexpr qint64 pieceBytes = 2064;
@@ -156,13 +156,13 @@ FaultyAnswer attributes(const Order &order)
 FaultyAnswer depth(const Order &order)
 {
     const qint64 depth = order.number(QLatin1StringView("depth"), 100'000, mostBytes);
-    // The way up is as long as the way down.
+    // As many end tags as start tags.
     return streamed({listBegin,
                      [depth](qint64 number) { return QByteArray(number < depth ? "<a>" : "</a>"); },
                      2 * depth, listEnd});
 }
 
-/// Declared, and written in it where it is one of these; any other is written in UTF-8.
+/// A list that declares the charset, encoded in it where it is one of these, else in UTF-8.
 FaultyAnswer charset(const Order &order)
 {
     static const std::map<QByteArray, QByteArray> names{
@@ -212,7 +212,7 @@ FaultyAnswer bidi(const Order &order)
              station(order, "Zero\xe2\x80\x8bwidth\xef\xbb\xbf, never closed \xe2\x80\xaa\xe2\x80\xab")));
 }
 
-/// Whole but for one byte sequence in a name.
+/// A well-formed list but for one byte sequence in a name.
 FaultyAnswer listWith(const Order &order, const QByteArray &bytes)
 {
     return whole(healthyList(order).replace("Second", bytes));

@@ -7,7 +7,7 @@
 
 namespace localradio {
 
-/// A directory's answer to a search, as it should not be. A value.
+/// A directory's faulty answer to a search. A value.
 struct FaultyAnswer
 {
     int status = 200;

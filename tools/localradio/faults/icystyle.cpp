@@ -45,7 +45,7 @@ QByteArray IcyStyle::sameAsTrack(const QByteArray &track, qint64 /*audioByte*/)
 
 IcyStyle IcyStyle::read(const RequestTarget &target)
 {
-    // Where what is announced is no length, no client could find a block: so there are none.
+    // Where the announced interval is no length, no client could find a block: so there are none.
     static const std::array<std::pair<QLatin1StringView, IcyStyle>, 10> oddities{{
         {QLatin1StringView("bad-metaint"), {.interval = 12000}},
         {QLatin1StringView("zero-metaint"), {.announcedInterval = "0", .interval = 0}},

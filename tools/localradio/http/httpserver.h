@@ -37,8 +37,8 @@ public:
     /// "http://127.0.0.1:PORT" of that port.
     QString origin() const;
 
-    /// Plays dead: resets all connections but `spared`, which may be null, and refuses new ones until
-    /// `duration`, counted from the latest call, is over. Then it listens on the same port again.
+    /// Simulates an outage: resets all connections but `spared`, which may be null, and refuses new ones
+    /// until `duration`, counted from the latest call, is over. Then it listens on the same port again.
     void interrupt(std::chrono::milliseconds duration, const HttpConnection *spared);
 
     /// Sets what answers GET and HEAD requests; other methods are refused before it.

@@ -6,7 +6,7 @@
 
 namespace localradio {
 
-/// Noise in the place of audio: random bytes, the same ones for everybody.
+/// Noise in place of audio: random bytes, the same ones for every client.
 class RandomBytes : public AudioSource
 {
 public:
