@@ -133,7 +133,8 @@ void MpvItem::begin()
     resolver_ = std::make_unique<StreamResolver>(request_);
     connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
     connect(resolver_.get(), &StreamResolver::streamDropped, this, &MpvItem::drop);
-    connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail);
+    // An observer of the failure may release the player, and the resolver with it.
+    connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail, Qt::QueuedConnection);
     resolver_->start();
 }
 
@@ -311,7 +312,9 @@ void MpvItem::soundStarted()
     // From here on nothing but a really empty output is silence.
     handle_->setFlag("cache-pause", false);
     notify(KeyPath::playbackLikelyToKeepUp, true);
-    offerRanges();
+    if (handle_) {
+        offerRanges();
+    }
 }
 
 void MpvItem::cacheChanged(const mpv_node &state)
@@ -333,6 +336,9 @@ void MpvItem::cacheChanged(const mpv_node &state)
             QVariant::fromValue(BackendItem::TimeRange{secondsAt(state, "reader-pts"), rangesEnd_}));
     }
     loadingRests_ = flagAt(state, "idle") && !flagAt(state, "eof");
+    underrun_ = flagAt(state, "underrun");
+    const qint64 bytesAhead = numberAt(state, "fw-bytes");
+    // What is reported from here on may end the stream, and `state` goes with its handle.
     if (pauseDelay_.isActive() && !loadingRests_) {
         applyRate();
     }
@@ -341,9 +347,8 @@ void MpvItem::cacheChanged(const mpv_node &state)
         return;
     }
     if (!running_ && !pauseDelay_.isActive() && loadingRests_) {
-        reportFull(numberAt(state, "fw-bytes"));
+        reportFull(bytesAhead);
     }
-    underrun_ = flagAt(state, "underrun");
     watchDryBuffer();
 }
 
