@@ -5,7 +5,7 @@
 #include "playback/mpv/mpvcores.h"
 #include "playback/mpv/mpvitem.h"
 #include "playback/mpv/mpvplayer.h"
-#include "playback/streamresolver.h"
+#include "playback/streamheaders.h"
 
 #include <QCoreApplication>
 #include <utility>
@@ -42,7 +42,7 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         // What the tone changes is heard after what the core has queued.
         {"audio-buffer", QByteArray::number(std::chrono::duration<double>(MpvItem::readySound).count())},
         {"audio-client-name", "Plumtide"},
-        {"user-agent", StreamResolver::userAgent()},
+        {"user-agent", StreamHeaders::userAgent()},
         {"cache", "yes"},
         // A server that sends no burst gets time to bring a little reserve together.
         {"cache-pause-initial", "yes"},

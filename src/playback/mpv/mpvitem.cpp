@@ -144,7 +144,7 @@ void MpvItem::load(const QUrl &stream)
     // Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of
     // the one before when it takes them.
     QByteArrayList options{"network-timeout=" + networkTimeout(request_.timeout)};
-    const HttpHeaders headers = resolver_->headersFor(stream);
+    const HttpHeaders headers = StreamHeaders(request_).forUrl(stream);
     for (const auto &[name, value] : headers) {
         if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
             options.append("user-agent=" + verbatim(value));
