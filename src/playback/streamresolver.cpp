@@ -1,322 +1,257 @@
 #include "playback/streamresolver.h"
 
-#include "http/address.h"
-#include "http/httpexchange.h"
-#include "playback/playlist.h"
-
-#include <QCoreApplication>
 #include <QHostAddress>
-#include <QHostInfo>
-#include <algorithm>
-#include <iterator>
-#include <utility>
+#include <chrono>
 
 namespace {
-constexpr qint64 maximumPlaylistBytes = 256LL * 1024;
-/// What a candidate gets however many others wait behind it.
-constexpr std::chrono::milliseconds shortestShare = std::chrono::seconds(1);
 /// A server that is slow to send the first bytes takes most of a second.
-constexpr std::chrono::milliseconds doubtTime = std::chrono::seconds(1);
-/// What is shorter is no stream: FFmpeg would ask for it again and again, without a rest.
-constexpr qsizetype leastSoundBytes = 1024;
-/// How often one stream is handed out.
+constexpr std::chrono::milliseconds responseTime = std::chrono::seconds(1);
+/// How often one stream is offered.
 constexpr int attempts = 2;
-constexpr int noLookup = -1;
-
-/// Whether a header can be sent without making up further lines.
-bool fitsInALine(const QPair<QByteArray, QByteArray> &header)
-{
-    const QByteArray line = header.first + header.second;
-    return !line.contains('\r') && !line.contains('\n') && !line.contains('\0');
-}
-
-bool isUserAgent(const QPair<QByteArray, QByteArray> &header)
-{
-    return header.first.compare("User-Agent", Qt::CaseInsensitive) == 0;
-}
-
-bool isNamedLikeAPlaylist(const QUrl &address)
-{
-    const QString path = address.path();
-    return path.endsWith(QLatin1StringView(".m3u"), Qt::CaseInsensitive) ||
-           path.endsWith(QLatin1StringView(".pls"), Qt::CaseInsensitive);
-}
 } // namespace
-
-QByteArray StreamResolver::userAgent()
-{
-    // Some servers answer anything that begins like a browser's agent with a web page.
-    return QByteArrayLiteral("Plumtide/") + QCoreApplication::applicationVersion().toUtf8();
-}
 
 StreamResolver::StreamResolver(const StreamRequest &request, QObject *parent)
     : QObject(parent)
-    , address_(request.url)
-    , timeout_(static_cast<qint64>(request.timeout * 1000))
+    , headers_(request)
+    , candidates_(request)
+    , time_(std::chrono::milliseconds(static_cast<qint64>(request.timeout * 1000)))
 {
-    std::copy_if(request.headers.begin(), request.headers.end(), std::back_inserter(ownHeaders_),
-                 fitsInALine);
-    waiting_.push_back(
-        {.url = address_, .trusted = !request.headers.isEmpty() && !isNamedLikeAPlaylist(address_)});
-    share_.setSingleShot(true);
-    connect(&share_, &QTimer::timeout, this, &StreamResolver::next);
-    doubt_.setSingleShot(true);
-    doubt_.setInterval(doubtTime);
-    connect(&doubt_, &QTimer::timeout, this, &StreamResolver::doubt);
+    connect(&time_, &TimeShares::shareOver, this, &StreamResolver::next);
+    connect(&nameLookup_, &NameLookup::found, this, &StreamResolver::offerUnprobed);
+    connect(&nameLookup_, &NameLookup::notFound, this, &StreamResolver::next);
+    connect(&probe_, &StreamProbe::playlistBegun, &responseTimer_, &QTimer::stop);
+    connect(&probe_, &StreamProbe::finished, this, &StreamResolver::evaluate);
+    responseTimer_.setSingleShot(true);
+    responseTimer_.setInterval(responseTime);
+    connect(&responseTimer_, &QTimer::timeout, this, &StreamResolver::noResponse);
 }
 
-StreamResolver::~StreamResolver()
+/// Which stages may follow each other. A candidate may be given up in any of them.
+bool StreamResolver::mayFollow(Stage from, Stage to)
 {
-    dropName();
+    if (to == Stage::None) {
+        return true;
+    }
+    switch (from) {
+    case Stage::None:
+        return to == Stage::ResolvingName || to == Stage::Probing;
+    case Stage::ResolvingName:
+        return to == Stage::OfferedUnprobed;
+    case Stage::Probing:
+        return to == Stage::ProbingSlowServer || to == Stage::OfferedProbed;
+    case Stage::ProbingSlowServer:
+        return to == Stage::ResolvingName || to == Stage::OfferedWhileProbing || to == Stage::OfferedProbed;
+    case Stage::OfferedUnprobed:
+        return to == Stage::OfferedWhileProbing || to == Stage::ProbingRefused;
+    case Stage::OfferedWhileProbing:
+        return to == Stage::OfferedUnprobed || to == Stage::ProbingRefused || to == Stage::OfferedProbed;
+    case Stage::ProbingRefused:
+    case Stage::OfferedProbed:
+        return to == Stage::OfferedProbed;
+    }
+    return false;
 }
 
-HttpHeaders StreamResolver::headersFor(const QUrl &url) const
+bool StreamResolver::resolvesName(Stage stage)
 {
-    HttpHeaders headers;
-    if (isSameOrigin(url, address_)) {
-        headers = ownHeaders_;
+    return stage == Stage::ResolvingName || stage == Stage::ProbingSlowServer;
+}
+
+bool StreamResolver::probes(Stage stage)
+{
+    return stage == Stage::Probing || stage == Stage::ProbingSlowServer ||
+           stage == Stage::OfferedWhileProbing || stage == Stage::ProbingRefused;
+}
+
+bool StreamResolver::hasOffered(Stage stage)
+{
+    return stage == Stage::OfferedUnprobed || stage == Stage::OfferedWhileProbing ||
+           stage == Stage::ProbingRefused || stage == Stage::OfferedProbed;
+}
+
+/// Ends what the new stage has no use for. A probed connection is so closed before the player opens its own.
+void StreamResolver::enter(Stage stage)
+{
+    Q_ASSERT(mayFollow(stage_, stage));
+    stage_ = stage;
+    responseTimer_.stop();
+    if (!resolvesName(stage)) {
+        nameLookup_.cancel();
     }
-    if (std::none_of(headers.cbegin(), headers.cend(), isUserAgent)) {
-        headers.prepend({"User-Agent", userAgent()});
+    if (!probes(stage)) {
+        probe_.cancel();
     }
-    return headers;
 }
 
 void StreamResolver::start()
 {
-    elapsed_.start();
+    time_.begin();
     next();
 }
 
 void StreamResolver::refused()
 {
-    if (handedOut_.isEmpty()) {
-        return;
-    }
-    doubt_.stop();
-    if (current_.trusted) {
-        current_.trusted = false;
-        // A look beside goes on: the server may be slow to answer another.
-        if (exchange_ == nullptr) {
-            look();
-        }
-    } else {
-        handOut(handedOut_);
+    switch (stage_) {
+    case Stage::OfferedUnprobed:
+        enter(Stage::ProbingRefused);
+        probe();
+        break;
+    case Stage::OfferedWhileProbing:
+        // The probe goes on: the server may be slow to answer another.
+        enter(Stage::ProbingRefused);
+        break;
+    case Stage::OfferedProbed:
+        offerProbed(offered_);
+        break;
+    default:
+        break;
     }
 }
 
 void StreamResolver::reject()
 {
-    if (!handedOut_.isEmpty()) {
+    if (hasOffered(stage_)) {
         next();
     }
 }
 
 void StreamResolver::accepted()
 {
-    if (handedOut_.isEmpty()) {
-        return;
+    if (stage_ == Stage::OfferedWhileProbing) {
+        enter(Stage::OfferedUnprobed);
     }
-    doubt_.stop();
-    endLook();
-    if (share_.isActive()) {
+    if (stage_ == Stage::OfferedUnprobed || stage_ == Stage::OfferedProbed) {
+        responseTimer_.stop();
         // A server without a burst needs a while until there is enough to begin with.
-        share_.start(std::max(shortestShare, timeLeft() / 2));
+        time_.extendShare();
     }
 }
 
 void StreamResolver::next()
 {
-    endLook();
-    dropName();
-    doubt_.stop();
-    if (!handedOut_.isEmpty()) {
+    const bool isOffered = hasOffered(stage_);
+    enter(Stage::None);
+    offered_.clear();
+    timesOffered_ = 0;
+    if (isOffered) {
         Q_EMIT streamDropped();
     }
-    handedOut_.clear();
-    timesHandedOut_ = 0;
-    if (waiting_.empty() || tried_ == maximumCandidates) {
-        share_.stop();
+    const auto candidate = candidates_.takeNext();
+    if (!candidate) {
+        time_.endShare();
         Q_EMIT failed();
         return;
     }
-    ++tried_;
-    current_ = waiting_.front();
-    waiting_.pop_front();
-    shareTime();
-    if (current_.trusted) {
-        lookUpName();
-    } else {
-        look();
+    current_ = *candidate;
+    time_.beginShare(candidates_.waiting());
+    if (current_.approach == StreamCandidate::Approach::Offer) {
+        resolveName();
+        return;
     }
+    enter(Stage::Probing);
+    if (current_.approach == StreamCandidate::Approach::Probe) {
+        responseTimer_.start();
+    }
+    probe();
 }
 
-void StreamResolver::lookUpName()
+void StreamResolver::resolveName()
 {
+    enter(stage_ == Stage::Probing ? Stage::ProbingSlowServer : Stage::ResolvingName);
     const QString name = current_.url.host();
-    if (!QHostAddress(name).isNull()) {
-        handOut(current_.url);
-        return;
-    }
-    lookup_ = QHostInfo::lookupHost(name, this, [this](const QHostInfo &info) {
-        // An answer that is on its way when its lookup is dropped still comes.
-        if (info.lookupId() != lookup_) {
-            return;
-        }
-        lookup_ = noLookup;
-        if (info.error() == QHostInfo::NoError) {
-            handOut(current_.url);
-        } else {
-            next();
-        }
-    });
-}
-
-void StreamResolver::dropName()
-{
-    if (lookup_ != noLookup) {
-        QHostInfo::abortHostLookup(std::exchange(lookup_, noLookup));
-    }
-}
-
-void StreamResolver::shareTime()
-{
-    if (waiting_.empty()) {
-        // The last one may take all the time that the start has.
-        share_.stop();
-        return;
-    }
-    share_.start(std::max(shortestShare, timeLeft() / static_cast<int>(waiting_.size() + 1)));
-}
-
-std::chrono::milliseconds StreamResolver::timeLeft() const
-{
-    return timeout_ - std::chrono::milliseconds(elapsed_.elapsed());
-}
-
-void StreamResolver::doubt()
-{
-    if (exchange_ == nullptr) {
-        look();
+    if (QHostAddress(name).isNull()) {
+        nameLookup_.start(name);
     } else {
-        current_.trusted = true;
-        lookUpName();
+        offerUnprobed();
     }
 }
 
-void StreamResolver::look()
+void StreamResolver::offerUnprobed()
 {
-    endLook();
-    if (!current_.trusted && handedOut_.isEmpty() && !isNamedLikeAPlaylist(current_.url)) {
-        doubt_.start();
-    }
-    exchange_ = new HttpExchange(this);
-    connect(exchange_, &HttpExchange::bodyReceived, this, [this] { judge(false); });
-    connect(exchange_, &HttpExchange::finished, this, [this] { judge(true); });
-    connect(exchange_, &HttpExchange::failed, this,
-            [this](const HttpError &error) { lookFailed(error.code); });
-    exchange_->start({.url = current_.url,
-                      .headers = {{"User-Agent", userAgent()}},
-                      .ownerHeaders = headersFor(address_),
-                      .owner = address_,
-                      .deadline = timeout_,
-                      .maximumBytes = maximumPlaylistBytes});
-}
-
-void StreamResolver::judge(bool complete)
-{
-    const HttpResponse response = exchange_->response();
-    if (response.status < 200 || response.status >= 300 || (complete && exchange_->body().isEmpty())) {
-        dismiss();
-        return;
-    }
-    const QByteArray &body = exchange_->body();
-    if (!complete && body.size() < Playlist::headBytes) {
-        return;
-    }
-    switch (Playlist::kindOf(QByteArrayView(body).first(std::min(body.size(), Playlist::headBytes)))) {
-    case Playlist::Kind::Playlist:
-        doubt_.stop();
-        if (complete) {
-            const QList<QUrl> entries =
-                current_.depth < maximumDepth ? Playlist::entries(body, response.url) : QList<QUrl>();
-            for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry) {
-                waiting_.push_front(
-                    {.url = *entry, .depth = current_.depth + 1, .trusted = !isNamedLikeAPlaylist(*entry)});
-            }
-            next();
-        }
-        break;
-    case Playlist::Kind::Text:
-        // Also beside a stream that the player has not taken yet: a server that turns a second connection
-        // away says so by its status.
-        next();
-        break;
-    case Playlist::Kind::Media:
-        if (body.size() < leastSoundBytes) {
-            if (complete) {
-                next();
-            }
-            break;
-        }
-        // Whoever was handed an address that redirects does not follow.
-        if (current_.trusted && response.url == current_.url) {
-            endLook();
-        } else {
-            current_.trusted = false;
-            handOut(response.url);
-        }
-        break;
-    }
-}
-
-/// Some servers have nothing for a second connection: what they say to a look counts only while there is no
-/// stream that the player may yet come to like.
-void StreamResolver::dismiss()
-{
-    if (current_.trusted) {
-        endLook();
+    if (stage_ == Stage::ProbingSlowServer) {
+        enter(Stage::OfferedWhileProbing);
     } else {
-        next();
+        enter(Stage::OfferedUnprobed);
+        responseTimer_.start();
     }
+    offered_ = current_.url;
+    timesOffered_ = 1;
+    Q_EMIT streamFound(offered_);
 }
 
-/// An old stream server does not begin its answer as HTTP does, which the network library takes for the end
-/// of the connection. The player understands such a server, and finds out where it was no such server.
-void StreamResolver::lookFailed(int code)
+void StreamResolver::offerProbed(const QUrl &stream)
 {
-    if (code == HttpExchange::NotHttp && !current_.trusted) {
-        handOut(current_.url);
-    } else {
-        dismiss();
-    }
-}
-
-void StreamResolver::handOut(const QUrl &stream)
-{
-    if (!current_.trusted) {
-        // The connection that was looked at is closed before the player opens its own.
-        endLook();
-        dropName();
-        doubt_.stop();
-    }
-    timesHandedOut_ = stream == handedOut_ ? timesHandedOut_ + 1 : 1;
-    if (timesHandedOut_ > attempts) {
+    timesOffered_ = stream == offered_ ? timesOffered_ + 1 : 1;
+    if (timesOffered_ > attempts) {
         next();
         return;
     }
-    handedOut_ = stream;
-    if (current_.trusted && exchange_ == nullptr) {
-        doubt_.start();
-    }
+    enter(Stage::OfferedProbed);
+    offered_ = stream;
     Q_EMIT streamFound(stream);
 }
 
-void StreamResolver::endLook()
+void StreamResolver::probe()
 {
-    if (exchange_ != nullptr) {
-        exchange_->cancel();
-        exchange_->deleteLater();
-        exchange_ = nullptr;
+    probe_.start(current_.url, headers_, time_.total());
+}
+
+void StreamResolver::evaluate(const StreamProbe::Result &result)
+{
+    // Whether the address counts as a stream whatever the probe finds, unless that is something else.
+    const bool isTrusted = stage_ == Stage::ProbingSlowServer || stage_ == Stage::OfferedWhileProbing;
+    switch (result.finding) {
+    case StreamProbe::Finding::NotHttp:
+        // An old stream server does not begin its answer as HTTP does. The player understands such a server,
+        // and finds out where it was no such server.
+        if (isTrusted) {
+            disregardProbe();
+        } else {
+            offerProbed(current_.url);
+        }
+        break;
+    case StreamProbe::Finding::NoAnswer:
+        // Some servers have nothing for a second connection: what they answer to a probe counts only while
+        // there is no stream that the player may still accept.
+        if (isTrusted) {
+            disregardProbe();
+        } else {
+            next();
+        }
+        break;
+    case StreamProbe::Finding::NoStream:
+        // Also while the address is offered: a server that turns a second connection away says so by its
+        // status.
+        next();
+        break;
+    case StreamProbe::Finding::Playlist:
+        candidates_.insertEntries(current_, result.body, result.url);
+        next();
+        break;
+    case StreamProbe::Finding::Sound:
+        // The player follows no redirect.
+        if (isTrusted && result.url == current_.url) {
+            disregardProbe();
+        } else {
+            offerProbed(result.url);
+        }
+        break;
+    }
+}
+
+/// Goes on as without a probe.
+void StreamResolver::disregardProbe()
+{
+    enter(stage_ == Stage::OfferedWhileProbing ? Stage::OfferedUnprobed : Stage::ResolvingName);
+}
+
+/// The player has not begun to read what is offered, or the server has not answered the probe.
+void StreamResolver::noResponse()
+{
+    if (stage_ == Stage::OfferedUnprobed) {
+        enter(Stage::OfferedWhileProbing);
+        probe();
+    } else {
+        resolveName();
     }
 }

@@ -1,5 +1,5 @@
 #include "playback/privatestream.h"
-#include "playback/streamresolver.h"
+#include "playback/streamheaders.h"
 #include "support/encryptedserver.h"
 #include "support/localradio.h"
 #include "support/stage.h"
@@ -97,7 +97,7 @@ void TestPrivateStations::requestsCarryHeaders()
     HttpHeaders expected = privateStreamHeaders(*station_, stored);
     QCOMPARE(expected.size(), stored == 3 ? 1 : 2);
     if (stored == 3) {
-        expected.append({"User-Agent", StreamResolver::userAgent()});
+        expected.append({"User-Agent", StreamHeaders::userAgent()});
     }
     for (const QByteArray &request : server.requests()) {
         QCOMPARE(request.count("User-Agent: ") + request.count("Authorization: "), 2);
@@ -119,7 +119,7 @@ void TestPrivateStations::othersGetNoHeaders()
     play(server, u"/moved"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     for (const QByteArray &request : elsewhere.requests()) {
-        QVERIFY(request.contains("User-Agent: " + StreamResolver::userAgent()));
+        QVERIFY(request.contains("User-Agent: " + StreamHeaders::userAgent()));
         QVERIFY(!request.contains("Authorization"));
     }
     const qsizetype before = elsewhere.requests().size();

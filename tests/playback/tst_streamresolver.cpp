@@ -102,13 +102,13 @@ void TestStreamResolver::tooManyEntriesAreCut()
 void TestStreamResolver::candidates_data()
 {
     QTest::addColumn<QByteArray>("start");
-    QTest::addColumn<QStringList>("handedOut");
+    QTest::addColumn<QStringList>("offered");
     QTest::newRow("a stream") << QByteArray("/sound") << QStringList{u"/sound"_s, u"/sound"_s};
     QTest::newRow("a stream with a long burst")
         << QByteArray("/burst") << QStringList{u"/burst"_s, u"/burst"_s};
     QTest::newRow("a redirect") << QByteArray("/moved") << QStringList{u"/sound"_s, u"/sound"_s};
     QTest::newRow("an old server") << QByteArray("/icy") << QStringList{u"/icy"_s, u"/icy"_s};
-    // Handed out unseen, then looked at: the entry that was a redirect is found out.
+    // Offered unprobed, then probed: the entry that was a redirect is found out.
     QTest::newRow("a playlist") << QByteArray("/list")
                                 << QStringList{u"/gone"_s, u"/moved"_s, u"/sound"_s, u"/sound"_s};
     QTest::newRow("a name that there is not") << QByteArray("/lost") << QStringList{u"/sound"_s, u"/sound"_s};
@@ -122,7 +122,7 @@ void TestStreamResolver::candidates_data()
     QTest::newRow("too long") << QByteArray("/endless") << QStringList{};
 }
 
-/// Everything that is handed out is refused, so that each candidate comes to light.
+/// Everything that is offered is refused, so that each candidate comes to light.
 void TestStreamResolver::candidates()
 {
     QFETCH(QByteArray, start);
@@ -146,15 +146,15 @@ void TestStreamResolver::candidates()
                   ScriptedServer::After::StayOpen);
 
     StreamResolver resolver({.url = QUrl(server.address(QString::fromLatin1(start))), .timeout = 10});
-    QStringList handedOut;
+    QStringList offered;
     connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
-        handedOut.append(stream.path());
+        offered.append(stream.path());
         QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
     });
     const QSignalSpy failed(&resolver, &StreamResolver::failed);
     resolver.start();
     QTRY_COMPARE(failed.size(), 1);
-    QTEST(handedOut, "handedOut");
+    QTEST(offered, "offered");
     QTRY_COMPARE(server.openConnections(), 0);
     for (const QByteArray &request : server.requests()) {
         QVERIFY(request.contains("User-Agent: Plumtide/"));
@@ -201,7 +201,7 @@ void TestStreamResolver::playlistsDoNotMultiply()
     const QSignalSpy failed(&resolver, &StreamResolver::failed);
     resolver.start();
     QTRY_COMPARE(failed.size(), 1);
-    QCOMPARE(server.requests().size(), StreamResolver::maximumCandidates);
+    QCOMPARE(server.requests().size(), StreamCandidates::maximumTried);
 }
 
 void TestStreamResolver::headersGoToTheirOwner_data()
@@ -232,12 +232,13 @@ void TestStreamResolver::headersGoToTheirOwner()
         either->scriptBody("/list", (either->address() + u"/sound"_s).toLatin1());
         either->script("/sound", sound, ScriptedServer::After::StayOpen);
     }
-    StreamResolver resolver({.url = QUrl(server.address(u"/start"_s)),
-                             .headers = {{"user-agent", "Mine"},
-                                         {"Authorization", "Basic x"},
-                                         {"A", "b\r\nInjected: c"},
-                                         {"Injected\n", "c"},
-                                         {"Null", QByteArray("\0c", 2)}}});
+    const StreamRequest request{.url = QUrl(server.address(u"/start"_s)),
+                                .headers = {{"user-agent", "Mine"},
+                                            {"Authorization", "Basic x"},
+                                            {"A", "b\r\nInjected: c"},
+                                            {"Injected\n", "c"},
+                                            {"Null", QByteArray("\0c", 2)}}};
+    StreamResolver resolver(request);
     QUrl last;
     connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
         last = stream;
@@ -248,16 +249,16 @@ void TestStreamResolver::headersGoToTheirOwner()
     QTRY_COMPARE(failed.size(), 1);
 
     const HttpHeaders ownHeaders{{"user-agent", "Mine"}, {"Authorization", "Basic x"}};
-    const HttpHeaders usual{{"User-Agent", StreamResolver::userAgent()}};
+    const HttpHeaders usual{{"User-Agent", StreamHeaders::userAgent()}};
     QCOMPARE(last, QUrl((own ? server : other).address(u"/sound"_s)));
-    QCOMPARE(resolver.headersFor(last), own ? ownHeaders : usual);
-    for (const QByteArray &request : server.requests()) {
-        QVERIFY(request.contains(": Mine\r\n") && request.contains("Authorization: Basic x\r\n"));
-        QVERIFY(!request.contains("Injected") && !request.contains("Null"));
+    QCOMPARE(StreamHeaders(request).forUrl(last), own ? ownHeaders : usual);
+    for (const QByteArray &sent : server.requests()) {
+        QVERIFY(sent.contains(": Mine\r\n") && sent.contains("Authorization: Basic x\r\n"));
+        QVERIFY(!sent.contains("Injected") && !sent.contains("Null"));
     }
-    for (const QByteArray &request : other.requests()) {
-        QVERIFY(request.contains(usual.constFirst().second));
-        QVERIFY(!request.contains("Mine") && !request.contains("Basic"));
+    for (const QByteArray &sent : other.requests()) {
+        QVERIFY(sent.contains(usual.constFirst().second));
+        QVERIFY(!sent.contains("Mine") && !sent.contains("Basic"));
     }
 }
 

@@ -33,6 +33,8 @@ const BackendItem *MpvPlayer::currentItem() const
 
 void MpvPlayer::setStatus(Status status)
 {
+    // An observer may release this player.
+    const auto alive = weak_from_this().lock();
     status_ = status;
     notify(KeyPath::status, static_cast<int>(status));
 }

@@ -2,10 +2,12 @@
 
 #include "playback/backend.h"
 
+#include <memory>
+
 class MpvItem;
 
 /// Plays an MpvItem: its rate, and the item's status as this player reports it.
-class MpvPlayer : public BackendPlayer
+class MpvPlayer : public BackendPlayer, public std::enable_shared_from_this<MpvPlayer>
 {
 public:
     explicit MpvPlayer(std::shared_ptr<MpvItem> item);
