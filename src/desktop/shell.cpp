@@ -42,7 +42,7 @@ void Shell::showTrayIcon(const QDBusConnection &bus)
     connect(trayIcon_.get(), &TrayIcon::commanded, this, &Shell::perform);
 }
 
-/// Only a window that the user is working in goes away: any other he may well be looking for.
+/// Only a window that the user is working in goes away: they may well be looking for any other.
 void Shell::toggleWindow()
 {
     if (window_.isActiveWindow() && !window_.isMinimized()) {
@@ -62,7 +62,7 @@ void Shell::perform(RemoteCommand command)
         session_.playback().destroyPlayer();
         break;
     case RemoteCommand::Quit:
-        // Whoever asked gets his answer first.
+        // Whoever asked is answered first.
         QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
         break;
     }

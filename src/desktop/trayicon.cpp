@@ -37,7 +37,7 @@ QString TrayIcon::toolTip(const NowPlaying &nowPlaying)
 
 void TrayIcon::makeFor(TrayHost::Kind host)
 {
-    // The toolkit decides by itself how it shows its icons.
+    // Qt decides by itself how it shows its icons.
     kind_ = QSystemTrayIcon::isSystemTrayAvailable() ? host : TrayHost::Kind::Embedding;
     menu_ = std::make_unique<QMenu>();
     connect(menu_->addAction(tr("&Show Plumtide")), &QAction::triggered, this, &TrayIcon::showRequested);

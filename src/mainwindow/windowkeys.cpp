@@ -18,7 +18,7 @@ WindowKeys::WindowKeys(QMainWindow &window, const Ui::MainWindow &ui)
         action->setAutoRepeat(action == ui.louderAction || action == ui.softerAction ||
                               action == ui.moveLeftAction || action == ui.moveRightAction);
     }
-    // Keyboards without a menu key have these; the toolkit knows the menu key only.
+    // Keyboards without a menu key have these; Qt knows the menu key only.
     auto *menuKeys = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), &window);
     connect(menuKeys, &QShortcut::activated, this, &WindowKeys::openContextMenu);
     connect(ui.shortcutsAction, &QAction::triggered, this, &WindowKeys::showShortcuts);

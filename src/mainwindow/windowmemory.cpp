@@ -24,7 +24,7 @@ WindowMemory::WindowMemory(StateFile &state, QObject *parent)
 
 void WindowMemory::restoreGeometry(QWidget &window) const
 {
-    // Not by the toolkit's own form of it: that moves a window down by the height of a title, with or without
+    // Not in Qt's own form: that moves a window down by the height of a title, with or without
     // one.
     if (QList<int> kept = state_.integers(geometryKey); kept.size() == 4) {
         for (int &number : kept) {

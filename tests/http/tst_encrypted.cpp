@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-/// Who is let in over TLS, and that what he says comes whole.
+/// Who is let in over TLS, and that what they say arrives whole.
 class TestEncrypted : public QObject
 {
     Q_OBJECT

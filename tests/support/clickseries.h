@@ -5,7 +5,7 @@
 #include <QMouseEvent>
 #include <QWidget>
 
-/// What the toolkit sends to `view` for presses of `button` after these pauses in milliseconds, of which 100
+/// What Qt sends to `view` for presses of `button` after these pauses in milliseconds, of which 100
 /// go on with a series: every second press of one is a double click. The accepted events are counted.
 inline int clickSeries(QWidget &view, const QList<quint64> &pauses, Qt::MouseButton button = Qt::LeftButton)
 {
