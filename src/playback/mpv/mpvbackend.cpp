@@ -15,7 +15,7 @@ namespace {
 constexpr std::chrono::milliseconds fileReleaseTime = std::chrono::seconds(2);
 
 /// How long nothing has played when the core for the next start is made: the last one is being torn down
-/// before that, and somebody who changes stations has started another.
+/// before that, and a user who changes stations has started another.
 constexpr std::chrono::milliseconds preparationDelay = std::chrono::seconds(1);
 
 MpvHandle::Options optionsFor(const AudioOutput &output)
@@ -40,7 +40,8 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         // Until the output is open and its level is set.
         {"pause", "yes"},
         // What the tone changes is heard after what the core has queued.
-        {"audio-buffer", QByteArray::number(std::chrono::duration<double>(MpvItem::readySound).count())},
+        {"audio-buffer",
+         QByteArray::number(std::chrono::duration<double>(MpvConditions::readySound).count())},
         {"audio-client-name", "Plumtide"},
         {"user-agent", StreamHeaders::userAgent()},
         {"cache", "yes"},
@@ -55,7 +56,7 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         {"access-references", "no"},
         // Content types are often wrong; a lower score than the usual one lets the data speak.
         {"demuxer-lavf-probescore", "10"},
-        {"demuxer-max-bytes", QByteArray::number(MpvItem::playingBufferBytes)},
+        {"demuxer-max-bytes", QByteArray::number(MpvConditions::playingBufferBytes)},
         // libmpv keeps a title along with the sound before it: without any, one that waits to be heard is
         // forgotten when the next arrives.
         {"demuxer-max-back-bytes", "256KiB"},
@@ -67,9 +68,10 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         // PipeWire is spoken to as PulseAudio is, where it can be. The long queue there
         // costs a third of the processor time of the usual one. It rests, and changes its level, without a
         // delay.
-        options.insert(options.end(), {{"ao", "pulse,pipewire,alsa"},
-                                       {"pulse-buffer", QByteArray::number(MpvItem::serverQueue.count())},
-                                       {"audio-fallback-to-null", "yes"}});
+        options.insert(options.end(),
+                       {{"ao", "pulse,pipewire,alsa"},
+                        {"pulse-buffer", QByteArray::number(MpvConditions::serverQueue.count())},
+                        {"audio-fallback-to-null", "yes"}});
     } else if (output.isFile()) {
         // The file takes sound faster than it comes; waiting for more would look like a lost connection.
         options.insert(options.end(), {{"ao", "pcm"},

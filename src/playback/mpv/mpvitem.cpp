@@ -3,75 +3,62 @@
 #include "http/address.h"
 #include "playback/keypath.h"
 #include "playback/mpv/listenersound.h"
-#include "playback/mpv/mpvnode.h"
 #include "playback/mpv/mpvplayer.h"
-#include "playback/streamresolver.h"
 
 #include <QLatin1StringView>
-#include <QLoggingCategory>
-#include <algorithm>
-#include <cmath>
 #include <utility>
-
-namespace {
-Q_LOGGING_CATEGORY(lcItem, "plumtide.playback")
-
-/// By how many seconds the loaded ranges grow from one report to the next.
-constexpr double reportedGrowth = 1.0;
-/// The buffer counts as full a little before its limit: libmpv stops at the packet that would cross it.
-constexpr double fullShare = 0.98;
-/// What waits to be heard at most, once it has left the buffer.
-constexpr std::chrono::milliseconds queuedSound = MpvItem::serverQueue + MpvItem::readySound;
-/// The share of the time that has to come in as sound for a dry buffer to go on.
-constexpr double sustainingShare = 0.5;
-/// libmpv's own demand on the likeness to a format, out of 100.
-constexpr int surerProbeScore = 26;
-/// What this process may take while a stream is opened, whatever for: libmpv takes 10 MiB for every one.
-/// FFmpeg reads the tags in front of the sound as a whole, and a tag of 256 MB is a valid one.
-constexpr qint64 mostOpeningBytes = 24LL * 1024 * 1024;
-constexpr std::chrono::milliseconds memoryCheckTime{10};
-/// How long a pause may wait for loading to go on.
-constexpr std::chrono::milliseconds longestPauseDelay{500};
-/// How often a sound server is looked for where there was none.
-constexpr std::chrono::milliseconds outputRetryTime{3000};
-
-/// libmpv takes whole seconds, and 0 for its own default.
-QByteArray networkTimeout(double seconds)
-{
-    constexpr double longest = 24.0 * 60 * 60;
-    return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
-}
-
-/// As a value in a list of options, whatever stands in it.
-QByteArray verbatim(const QByteArray &text)
-{
-    return '%' + QByteArray::number(text.size()) + '%' + text;
-}
-} // namespace
 
 MpvItem::MpvItem(const StreamRequest &request, const MpvConditions &conditions,
                  std::unique_ptr<MpvHandle> handle)
     : request_(request)
     , conditions_(conditions)
     , handle_(std::move(handle))
-    , outputRetry_(this)
-    , opening_(this)
-    , pauseDelay_(this)
-    , dry_(this)
 {
-    pauseDelay_.setSingleShot(true);
-    pauseDelay_.setInterval(longestPauseDelay);
-    connect(&pauseDelay_, &QTimer::timeout, this, &MpvItem::applyRate);
-    dry_.setSingleShot(true);
-    dry_.setInterval(queuedSound);
-    connect(&dry_, &QTimer::timeout, this, &MpvItem::judgeDryBuffer);
-    opening_.setInterval(memoryCheckTime);
-    connect(&opening_, &QTimer::timeout, this, &MpvItem::judgeMemory);
-    outputRetry_.setInterval(outputRetryTime);
-    connect(&outputRetry_, &QTimer::timeout, this, [this] { handle_->command({"ao-reload"}); });
 }
 
 MpvItem::~MpvItem() = default;
+
+/// Which stages may follow each other. A player may release its item in any of them.
+bool MpvItem::mayFollow(Stage from, Stage to)
+{
+    switch (to) {
+    case Stage::New:
+        return false;
+    case Stage::Resolving:
+        return from == Stage::New;
+    case Stage::Opening:
+        return from == Stage::Resolving;
+    case Stage::Sounding:
+    case Stage::Failed:
+        return from == Stage::Resolving || from == Stage::Opening;
+    case Stage::Ended:
+        return from == Stage::Sounding;
+    case Stage::Empty:
+        return from == Stage::Sounding || from == Stage::Ended;
+    case Stage::Full:
+        return from == Stage::Opening || from == Stage::Sounding || from == Stage::Ended;
+    case Stage::Released:
+        return true;
+    }
+    return false;
+}
+
+void MpvItem::enter(Stage stage)
+{
+    Q_ASSERT(mayFollow(stage_, stage));
+    stage_ = stage;
+}
+
+bool MpvItem::isBeforeSound() const
+{
+    return stage_ == Stage::Resolving || stage_ == Stage::Opening;
+}
+
+/// Also when there is only what the buffer still holds.
+bool MpvItem::isHeard() const
+{
+    return stage_ == Stage::Sounding || stage_ == Stage::Ended;
+}
 
 void MpvItem::attach(MpvPlayer *player)
 {
@@ -82,41 +69,29 @@ void MpvItem::detach(MpvPlayer *player)
 {
     if (player_ == player) {
         player_ = nullptr;
-        shutDown();
+        release();
     }
 }
 
 void MpvItem::setRunning(bool running)
 {
-    running_ = running;
-    if (running && !begun_) {
+    if (running && stage_ == Stage::New) {
         begin();
         return;
     }
-    if (!handle_) {
+    if (!rateControl_) {
         return;
     }
-    handle_->setInteger("demuxer-max-bytes", running ? playingBufferBytes : conditions_.pausedBufferBytes);
-    // Loading that rests goes on, up to the new limit, only once something has been taken out of the buffer:
-    // a pause waits for that.
-    if (!running && loadingRests_) {
-        pauseDelay_.start();
-    } else {
-        applyRate();
-    }
-    if (running) {
-        offerRanges();
-        watchDryBuffer();
-    }
-    if (running && ended_) {
+    if (running && stage_ == Stage::Ended) {
         // What ran out during the pause is reported when its sound is missed.
         QMetaObject::invokeMethod(this, &MpvItem::reportEmpty, Qt::QueuedConnection);
     }
+    rateControl_->setRunning(running, bufferWatch_->loadingRests());
 }
 
 void MpvItem::begin()
 {
-    begun_ = true;
+    enter(Stage::Resolving);
     if (!handle_ || !isHttpUrl(request_.url)) {
         QMetaObject::invokeMethod(this, &MpvItem::fail, Qt::QueuedConnection);
         return;
@@ -129,74 +104,45 @@ void MpvItem::begin()
     handle_->observe("current-tracks/audio", MPV_FORMAT_NODE);
     soundControl_ = std::make_unique<SoundControl>(*handle_, *conditions_.sound);
     heardReport_ = std::make_unique<HeardReport>(conditions_.heard);
-
-    resolver_ = std::make_unique<StreamResolver>(request_);
-    connect(resolver_.get(), &StreamResolver::streamFound, this, &MpvItem::load);
-    connect(resolver_.get(), &StreamResolver::streamDropped, this, &MpvItem::drop);
-    // An observer of the failure may release the player, and the resolver with it.
-    connect(resolver_.get(), &StreamResolver::failed, this, &MpvItem::fail, Qt::QueuedConnection);
-    resolver_->start();
-}
-
-void MpvItem::load(const QUrl &stream)
-{
-    entry_.reset();
-    // Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of
-    // the one before when it takes them.
-    QByteArrayList options{"network-timeout=" + networkTimeout(request_.timeout)};
-    const HttpHeaders headers = StreamHeaders(request_).forUrl(stream);
-    for (const auto &[name, value] : headers) {
-        if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
-            options.append("user-agent=" + verbatim(value));
-        } else {
-            options.append("http-header-fields-append=" + verbatim(name + ": " + value));
-            // What is meant for one server only goes to one that has shown that it is that server.
-            options.append("tls-verify=yes");
-        }
-    }
-    if (stream == std::exchange(stream_, stream)) {
-        // It was taken for a format that it hardly resembled.
-        options.append("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
-    }
-    memory_.begin();
-    opening_.start();
-    handle_->command({"loadfile", stream.toEncoded(), "replace", options.join(',')}, ++loads_);
-}
-
-void MpvItem::judgeMemory()
-{
-    if (memory_.grownBytes() > mostOpeningBytes) {
-        qCWarning(lcItem) << "a stream takes too much memory before it begins; it is not played";
-        resolver_->reject();
-    }
-}
-
-/// What libmpv still has to say of the stream belongs to nobody.
-void MpvItem::drop()
-{
-    opening_.stop();
-    entry_.reset();
-    ++loads_;
-    handle_->command({"stop"});
+    outputRetry_ = std::make_unique<OutputRetry>(*handle_, conditions_.nullIsFallback);
+    rateControl_ = std::make_unique<RateControl>(*handle_, *soundControl_, conditions_.pausedBufferBytes);
+    connect(rateControl_.get(), &RateControl::changed, this, &MpvItem::updateBufferUse);
+    bufferWatch_ = std::make_unique<BufferWatch>(conditions_);
+    connect(bufferWatch_.get(), &BufferWatch::rangesChanged, this,
+            [this](const QVariantList &ranges) { notify(KeyPath::loadedTimeRanges, ranges); });
+    connect(bufferWatch_.get(), &BufferWatch::filledUp, this, &MpvItem::reportFull);
+    connect(bufferWatch_.get(), &BufferWatch::ranDry, this, &MpvItem::reportEmpty);
+    load_ = std::make_unique<StreamLoad>(*handle_, request_);
+    // An observer of the failure may release the player, and what signals it.
+    connect(load_.get(), &StreamLoad::failed, this, &MpvItem::fail, Qt::QueuedConnection);
+    load_->start();
 }
 
 void MpvItem::fail()
 {
-    if (player_ != nullptr) {
-        player_->setStatus(BackendPlayer::Failed);
+    if (isBeforeSound()) {
+        enter(Stage::Failed);
+        setStatus(BackendPlayer::Failed);
     }
 }
 
-void MpvItem::shutDown()
+void MpvItem::release()
 {
-    opening_.stop();
-    outputRetry_.stop();
-    pauseDelay_.stop();
-    dry_.stop();
+    enter(Stage::Released);
+    load_.reset();
+    bufferWatch_.reset();
+    rateControl_.reset();
+    outputRetry_.reset();
     soundControl_.reset();
     heardReport_.reset();
     handle_.reset();
-    resolver_.reset();
+}
+
+void MpvItem::setStatus(BackendPlayer::Status status)
+{
+    if (player_ != nullptr) {
+        player_->setStatus(status);
+    }
 }
 
 /// On a thread of libmpv.
@@ -210,9 +156,9 @@ void MpvItem::scheduleDrain()
 void MpvItem::drain()
 {
     drainScheduled_ = false;
-    // What is reported may end this item.
+    // What is reported may release this item, and its handle with the events.
     const auto alive = weak_from_this().lock();
-    while (alive && handle_) {
+    while (alive && stage_ != Stage::Released) {
         const mpv_event &event = handle_->nextEvent();
         if (event.event_id == MPV_EVENT_NONE) {
             break;
@@ -225,16 +171,13 @@ void MpvItem::handle(const mpv_event &event)
 {
     switch (event.event_id) {
     case MPV_EVENT_START_FILE:
-        if (!started_ && player_ != nullptr) {
-            started_ = true;
-            player_->setStatus(BackendPlayer::ReadyToPlay);
+        if (stage_ == Stage::Resolving) {
+            enter(Stage::Opening);
+            setStatus(BackendPlayer::ReadyToPlay);
         }
         break;
     case MPV_EVENT_FILE_LOADED:
-        if (resolver_ && entry_) {
-            opening_.stop();
-            resolver_->accepted();
-        }
+        load_->opened();
         break;
     case MPV_EVENT_AUDIO_RECONFIG:
         soundControl_->restore();
@@ -243,13 +186,12 @@ void MpvItem::handle(const mpv_event &event)
         propertyChanged(*static_cast<const mpv_event_property *>(event.data));
         break;
     case MPV_EVENT_COMMAND_REPLY:
-        if (event.reply_userdata == loads_ && event.error >= 0) {
-            entry_ =
-                numberAt(static_cast<const mpv_event_command *>(event.data)->result, "playlist_entry_id");
-        }
+        load_->replied(event);
         break;
     case MPV_EVENT_END_FILE:
-        streamEnded(*static_cast<const mpv_event_end_file *>(event.data));
+        if (load_->ended(*static_cast<const mpv_event_end_file *>(event.data)) && stage_ == Stage::Sounding) {
+            soundEnded();
+        }
         break;
     default:
         break;
@@ -268,11 +210,11 @@ void MpvItem::propertyChanged(const mpv_event_property &property)
     } else if (name == QLatin1StringView("demuxer-cache-state")) {
         heardReport_->cacheChanged(node);
         if (node != nullptr) {
-            cacheChanged(*node);
+            cacheChanged(CacheState::from(*node));
         }
     } else if (property.format == MPV_FORMAT_FLAG) {
         const bool value = *static_cast<const int *>(property.data) != 0;
-        if (name == QLatin1StringView("core-idle") && !value && !sounded_) {
+        if (name == QLatin1StringView("core-idle") && !value && isBeforeSound()) {
             soundStarted();
         }
     } else if (property.format == MPV_FORMAT_STRING) {
@@ -283,137 +225,71 @@ void MpvItem::propertyChanged(const mpv_event_property &property)
 void MpvItem::outputChanged(const QByteArray &name)
 {
     soundControl_->outputOpened(name);
-    outputOpen_ = true;
-    applyRate();
-    if (conditions_.nullIsMakeshift && name == "null") {
-        if (!outputRetry_.isActive()) {
-            qCWarning(lcItem) << "no sound server answers; playing unheard until one does";
-            outputRetry_.start();
-        }
-    } else {
-        outputRetry_.stop();
-    }
+    rateControl_->outputOpened();
+    outputRetry_->outputOpened(name);
 }
 
-/// The core rests until its output is open and has the right level.
-void MpvItem::applyRate()
+void MpvItem::cacheChanged(const CacheState &state)
 {
-    pauseDelay_.stop();
-    if (handle_ && outputOpen_) {
-        handle_->setFlag("pause", !running_);
+    if (!state.loadingRests) {
+        rateControl_->loadingGoesOn();
     }
+    bufferWatch_->update(state);
 }
 
 void MpvItem::soundStarted()
 {
-    sounded_ = true;
-    opening_.stop();
-    resolver_.reset();
+    enter(Stage::Sounding);
+    load_->settle();
     // From here on nothing but a really empty output is silence.
     handle_->setFlag("cache-pause", false);
     notify(KeyPath::playbackLikelyToKeepUp, true);
-    if (handle_) {
-        offerRanges();
+    if (stage_ != Stage::Released) {
+        updateBufferUse();
     }
 }
 
-void MpvItem::cacheChanged(const mpv_node &state)
+/// During a pause it is reported with its end.
+void MpvItem::soundEnded()
 {
-    ranges_.clear();
-    if (const mpv_node *ranges = nodeAt(state, "seekable-ranges");
-        ranges != nullptr && ranges->format == MPV_FORMAT_NODE_ARRAY) {
-        for (int index = 0; index < ranges->u.list->num; ++index) {
-            const mpv_node &range = ranges->u.list->values[index];
-            rangesEnd_ = secondsAt(range, "end");
-            ranges_.append(
-                QVariant::fromValue(BackendItem::TimeRange{secondsAt(range, "start"), rangesEnd_}));
-        }
-    }
-    if (ranges_.isEmpty() && nodeAt(state, "cache-end") != nullptr) {
-        // All that was loaded has been played already, as with an output that is faster than the stream.
-        rangesEnd_ = secondsAt(state, "cache-end");
-        ranges_.append(
-            QVariant::fromValue(BackendItem::TimeRange{secondsAt(state, "reader-pts"), rangesEnd_}));
-    }
-    loadingRests_ = flagAt(state, "idle") && !flagAt(state, "eof");
-    underrun_ = flagAt(state, "underrun");
-    const qint64 bytesAhead = numberAt(state, "fw-bytes");
-    // What is reported from here on may end the stream, and `state` goes with its handle.
-    if (pauseDelay_.isActive() && !loadingRests_) {
-        applyRate();
-    }
-    offerRanges();
-    if (!handle_) {
-        return;
-    }
-    if (!running_ && !pauseDelay_.isActive() && loadingRests_) {
-        reportFull(bytesAhead);
-    }
-    watchDryBuffer();
-}
-
-void MpvItem::watchDryBuffer()
-{
-    if (running_ && sounded_ && conditions_.inTime && underrun_ && !dry_.isActive()) {
-        dryEnd_ = rangesEnd_;
-        dry_.start();
-    }
-}
-
-/// A dry buffer is no lost connection yet: a server that sends each sound just in time never fills one, and
-/// the output has its queue. It is one when that has been played and too little has come.
-void MpvItem::judgeDryBuffer()
-{
-    if (running_ &&
-        rangesEnd_ - dryEnd_ < sustainingShare * std::chrono::duration<double>(queuedSound).count()) {
+    enter(Stage::Ended);
+    if (rateControl_->rate() == RateControl::Rate::Running) {
         reportEmpty();
     }
 }
 
-void MpvItem::streamEnded(const mpv_event_end_file &end)
+void MpvItem::updateBufferUse()
 {
-    // The end of one that has been given up already must not be taken for the end of its successor.
-    const bool current = entry_ == end.playlist_entry_id;
-    if (!current || (end.reason != MPV_END_FILE_REASON_EOF && end.reason != MPV_END_FILE_REASON_ERROR)) {
-        return;
-    }
-    if (!sounded_) {
-        opening_.stop();
-        resolver_->refused();
-        return;
-    }
-    ended_ = true;
-    if (running_) {
-        reportEmpty();
-    }
-}
-
-/// Ranges that come during a pause wait for its end, so that what the user was told about the pause stays
-/// readable.
-void MpvItem::offerRanges()
-{
-    if (!sounded_ || !running_ || ranges_.isEmpty() ||
-        (reportedEnd_ && std::abs(rangesEnd_ - *reportedEnd_) < reportedGrowth)) {
-        return;
-    }
-    reportedEnd_ = rangesEnd_;
-    notify(KeyPath::loadedTimeRanges, ranges_);
-}
-
-void MpvItem::reportFull(qint64 bytes)
-{
-    if (!fullReported_ &&
-        static_cast<double>(bytes) >= fullShare * static_cast<double>(conditions_.pausedBufferBytes)) {
-        fullReported_ = true;
-        notify(KeyPath::playbackBufferFull, true);
+    switch (rateControl_->rate()) {
+    case RateControl::Rate::Running:
+        bufferWatch_->setUse(isHeard() ? BufferWatch::Use::Played : BufferWatch::Use::None);
+        break;
+    case RateControl::Rate::Pausing:
+        bufferWatch_->setUse(BufferWatch::Use::Pausing);
+        break;
+    case RateControl::Rate::Paused:
+        bufferWatch_->setUse(BufferWatch::Use::Kept);
+        break;
     }
 }
 
 void MpvItem::reportEmpty()
 {
-    if (!emptyReported_) {
-        emptyReported_ = true;
-        notify(KeyPath::playbackLikelyToKeepUp, false);
+    if (!isHeard()) {
+        return;
+    }
+    enter(Stage::Empty);
+    const auto alive = weak_from_this().lock();
+    notify(KeyPath::playbackLikelyToKeepUp, false);
+    if (alive && stage_ != Stage::Released) {
         notify(KeyPath::playbackBufferEmpty, true);
+    }
+}
+
+void MpvItem::reportFull()
+{
+    if (stage_ == Stage::Opening || isHeard()) {
+        enter(Stage::Full);
+        notify(KeyPath::playbackBufferFull, true);
     }
 }

@@ -22,6 +22,8 @@ public:
 
     /// The core has opened the output of that name, and begins to play through it: the level is set at once.
     void outputOpened(const QByteArray &name);
+    /// Whether there has been an output, which has the right level then.
+    bool isOutputOpen() const { return open_; }
     /// The core has changed its filters or its output's format: both begin again as they were made.
     void restore();
 
