@@ -15,9 +15,9 @@ struct StreamRequest
     QUrl url;
     /// How long the stream may take to start, in seconds; never negative.
     double timeout = 15.0;
-    /// Sent with every request for the scheme, host and port of `url`, and to nobody else: neither to whom a
-    /// redirect nor to whom a playlist names. One that no header line can hold is left out. Without a
-    /// "User-Agent" among them the backend sends its own.
+    /// Sent with every request for the scheme, host and port of `url`, and to no other server that a redirect
+    /// or a playlist names. One that no header line can hold is left out. Without a "User-Agent" among them
+    /// the backend sends its own.
     HttpHeaders headers = {};
 };
 
@@ -49,7 +49,7 @@ public:
     virtual const BackendItem *currentItem() const = 0;
 };
 
-/// Makes items and players. The real one stands on libmpv; tests bring a scripted one.
+/// Makes items and players. The real one is built on libmpv; tests bring a scripted one.
 class Backend
 {
 public:

@@ -21,7 +21,7 @@ struct StreamInfo
     bool operator==(const StreamInfo &) const = default;
 };
 
-/// What the listener hears, told by whichever player plays. Main thread.
+/// What the listener hears, as the player that plays reports it. Main thread.
 class HeardStream : public QObject
 {
     Q_OBJECT

@@ -6,7 +6,7 @@
 
 class Observable;
 
-/// Who is told of changes. The one handler gets those of every key path and object that it observes.
+/// Is told of changes. The one handler gets those of every key path and object that it observes.
 class Observer
 {
 public:
@@ -33,8 +33,8 @@ public:
     virtual void removeObserver(Observer *observer, QStringView keyPath);
 
 protected:
-    /// An observer may remove itself or others, or release this object, from within its handler; whoever
-    /// calls this keeps the object alive until it returns.
+    /// An observer may remove itself or others, or release this object, from within its handler; the caller
+    /// keeps the object alive until this returns.
     void notify(QStringView keyPath, const QVariant &newValue);
 
 private:

@@ -14,7 +14,7 @@ inline constexpr qsizetype headBytes = 64;
 /// What a body that begins with some bytes is.
 enum class Kind { Playlist, Text, Media };
 
-/// Judges by the bytes alone, a content type being wrong as often as not. `head` is the body's first
+/// Decides by the bytes alone, because a content type is wrong as often as not. `head` is the body's first
 /// headBytes, or the whole of a shorter one. A stream begins in the middle of a frame, with any byte: only
 /// what is text all through counts as a playlist or as other text (a web page, an error message).
 Kind kindOf(QByteArrayView head);

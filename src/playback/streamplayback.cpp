@@ -60,7 +60,7 @@ void StreamPlayback::playRadioCustomWithObject(const StationRecord &model)
         executeSynchPrivateAVPlayer(model);
         return;
     }
-    // The port follows the mount point: whoever enters a public station knows it that way.
+    // The port follows the mount point: users enter the address of a public station for that order.
     executeSynchAVPlayer(url + model->text(RadioField::mountpoint) + QLatin1Char(':') + port,
                          model->text(RadioField::name));
 }

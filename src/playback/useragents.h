@@ -3,7 +3,7 @@
 #include <QLatin1StringView>
 #include <array>
 
-/// What the program may call itself before a private station's server; the index is what is stored.
+/// What the program may call itself to a private station's server; the index is what is stored.
 constexpr std::array<QLatin1StringView, 3> userAgents{
     QLatin1StringView{"Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) Plumtide/100.0.0 Version/1.0.0"},
     QLatin1StringView{"Mozilla/5.0 (Macintosh; Intel Mac OS X 10_9_3) AppleWebKit/537.75.14 "

@@ -6,8 +6,8 @@
 #include <memory>
 #include <mutex>
 
-/// Pieces of work that nobody waits for while the program runs, each on a thread of its own, and the count of
-/// those that are still under way when it ends. Shared with the threads; thread-safe.
+/// Pieces of work that are not waited for while the program runs, each on a thread of its own, and the count
+/// of those that are still under way when it ends. Shared with the threads; thread-safe.
 class DetachedWork
 {
 public:

@@ -25,7 +25,7 @@ QByteArray latest(const QByteArray &tag, const QByteArray &before)
     return !before.isEmpty() && tag.startsWith(before + ';') ? tag.mid(before.size() + 1) : tag;
 }
 
-/// Nobody says how titles are encoded.
+/// Stations do not state how their titles are encoded.
 QString decoded(const QByteArray &text)
 {
     return QUtf8StringView(text).isValidUtf8() ? QString::fromUtf8(text) : QString::fromLatin1(text);

@@ -7,8 +7,8 @@
 #include <mpv/client.h>
 #include <optional>
 
-/// Puts together what one core says of the sound that it plays, and tells it as what the listener hears;
-/// nothing is heard any more when it goes. Each of the values is null where there is none.
+/// Puts together what one core reports of the sound that it plays, and sets it as what the listener hears;
+/// clears that when it is destroyed. Each of the values is null where there is none.
 class HeardReport
 {
 public:

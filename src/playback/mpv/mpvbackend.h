@@ -28,8 +28,8 @@ public:
     void setSound(const SoundSettings &settings) override;
     const HeardStream &heardStream() const override { return *heard_; }
 
-    /// Ends the preparation for further items. Whether what goes on beside the main thread is done within
-    /// `time`: cores that are torn down, the library that is opened. Where not, the process must end without
+    /// Ends the preparation for further items. Whether the work on other threads is done within `time`:
+    /// cores that are torn down, the library that is opened. Where not, the process must end without
     /// running its exit handlers, because threads of libmpv are still at work.
     bool waitForDetachedWork(std::chrono::milliseconds time);
 

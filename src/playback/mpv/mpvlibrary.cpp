@@ -42,18 +42,18 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
         qCWarning(lcLibrary).noquote() << "no sound: libmpv cannot be used:" << library.errorString();
         return nullptr;
     }
-    // FFmpeg, which libmpv brings along, would write to standard error what it thinks of a stream, addresses
-    // included.
+    // FFmpeg, which libmpv brings along, would write its messages about a stream, addresses included, to
+    // standard error.
     if (const auto setLevel = reinterpret_cast<void (*)(int)>(library.resolve("av_log_set_level"))) {
         setLevel(ffmpegQuiet);
     }
-    // And so would ALSA, at every look for a sound card where there is none.
+    // And so would ALSA, whenever it looks for a sound card where there is none.
     using AlsaErrorHandler = void (*)(const char *, int, const char *, int, const char *, ...);
     if (const auto setHandler =
             reinterpret_cast<int (*)(AlsaErrorHandler)>(library.resolve("snd_lib_error_set_handler"))) {
         setHandler(ignoreAlsaError);
     }
-    // And PipeWire, at every look for a server.
+    // And PipeWire, whenever it looks for a server.
     if (const auto setLevel = reinterpret_cast<void (*)(int)>(library.resolve("pw_log_set_level"))) {
         setLevel(pipeWireQuiet);
     }
