@@ -41,12 +41,6 @@ QByteArray networkTimeout(double seconds)
     constexpr double longest = 24.0 * 60 * 60;
     return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
 }
-
-/// As a value in a list of options, whatever stands in it.
-QByteArray verbatim(const QByteArray &text)
-{
-    return '%' + QByteArray::number(text.size()) + '%' + text;
-}
 } // namespace
 
 MpvItem::MpvItem(const StreamRequest &request, const MpvConditions &conditions,
@@ -142,24 +136,24 @@ void MpvItem::load(const QUrl &stream)
     entry_.reset();
     // Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of
     // the one before when it takes them.
-    QByteArrayList options{"network-timeout=" + networkTimeout(request_.timeout)};
+    MpvHandle::Options options{{"network-timeout", networkTimeout(request_.timeout)}};
     const HttpHeaders headers = resolver_->headersFor(stream);
     for (const auto &[name, value] : headers) {
         if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
-            options.append("user-agent=" + verbatim(value));
+            options.emplace_back("user-agent", value);
         } else {
-            options.append("http-header-fields-append=" + verbatim(name + ": " + value));
+            options.emplace_back("http-header-fields-append", name + ": " + value);
             // What is meant for one server only goes to one that has shown that it is that server.
-            options.append("tls-verify=yes");
+            options.emplace_back("tls-verify", "yes");
         }
     }
     if (stream == std::exchange(stream_, stream)) {
         // It was taken for a format that it hardly resembled.
-        options.append("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
+        options.emplace_back("demuxer-lavf-probescore", QByteArray::number(surerProbeScore));
     }
     memory_.begin();
     opening_.start();
-    handle_->command({"loadfile", stream.toEncoded(), "replace", options.join(',')}, ++loads_);
+    handle_->load(stream.toEncoded(), options, ++loads_);
 }
 
 void MpvItem::judgeMemory()
