@@ -48,11 +48,13 @@ void boundEnding(int status)
 MainWindow *openWindow = nullptr;
 
 /// A display that goes away, as at the end of a session, ends the process by way of exit(), from within the
-/// event loop. Orderly ends have saved the rack long before.
+/// event loop. Orderly ends have saved the rack long before. The window and the threads of libmpv are still
+/// there: other exit handlers would pull the ground from under them.
 void saveAtExit()
 {
     if (openWindow != nullptr) {
         openWindow->player().radioDataChanges(Player::willTerminate);
+        std::_Exit(EXIT_FAILURE);
     }
 }
 
