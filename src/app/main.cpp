@@ -48,11 +48,13 @@ void boundEnding(int status)
 MainWindow *openWindow = nullptr;
 
 /// A display that goes away, as at the end of a session, ends the process by way of exit(), from within the
-/// event loop. An orderly quit has saved the rack long before.
+/// event loop. An orderly quit has saved the rack long before. The window and the threads of libmpv are still
+/// there, and other exit handlers would destroy what they use.
 void saveAtExit()
 {
     if (openWindow != nullptr) {
         openWindow->player().radioDataChanges(Player::willTerminate);
+        std::_Exit(EXIT_FAILURE);
     }
 }
 

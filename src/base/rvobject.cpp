@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QLocale>
+#include <QTimeZone>
 #include <QUtf8StringView>
 #include <QUuid>
 #include <algorithm>
@@ -86,7 +87,8 @@ QList<SortDescriptor> RVObject::mysortDescriptor(const QString &key, bool ascend
 
 QString RVObject::showDigitalClock(double seconds)
 {
-    return QDateTime::fromMSecsSinceEpoch(instant(seconds), Qt::UTC).toString(QStringLiteral("HH:mm:ss"));
+    return QDateTime::fromMSecsSinceEpoch(instant(seconds), QTimeZone::utc())
+        .toString(QStringLiteral("HH:mm:ss"));
 }
 
 QString RVObject::showClock(double seconds)

@@ -52,7 +52,8 @@ struct Picker : GenreObjectDelegate
         list().setDataSource(genresNamed(names));
         window.resize(220, 300);
         window.show();
-        QApplication::setActiveWindow(&window);
+        window.activateWindow();
+        Q_UNUSED(QTest::qWaitForWindowActive(&window));
     }
     void genreObjectReceiveName(const QString &name) override { told.append(name); }
     GenreList &list() { return *controller->arrayController(); }

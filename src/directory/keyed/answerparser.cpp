@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <expat.h>
 #include <memory>
+#include <utility>
 
 namespace {
 /// How much is handed over at a time. Small enough that a token which never ends is noticed soon, large
@@ -21,6 +22,17 @@ bool beginsLikeUtf16(const QByteArray &document)
     return first.contains('\0') || first.contains('\xfe') || first.contains('\xff');
 }
 
+// Where expat stands. From 2.9 on it counts in 64 bits on every machine, and deprecates what counts in long.
+#if XML_MAJOR_VERSION > 2 || XML_MINOR_VERSION >= 9
+constexpr auto byteIndex = &XML_GetCurrentByteIndex64;
+constexpr auto byteCount = &XML_GetCurrentByteCount64;
+constexpr auto lineNumber = &XML_GetCurrentLineNumber64;
+#else
+constexpr auto byteIndex = &XML_GetCurrentByteIndex;
+constexpr auto byteCount = &XML_GetCurrentByteCount;
+constexpr auto lineNumber = &XML_GetCurrentLineNumber;
+#endif
+
 /// The elements of one document use few sets of attributes: with and without a logo, a current track.
 constexpr std::size_t maximumKnownNames = 16;
 } // namespace
@@ -37,7 +49,7 @@ public:
             parser.abort(QStringLiteral("elements nested too deeply"));
             return;
         }
-        if (XML_GetCurrentByteCount(parser.expat_) > maximumTokenBytes) {
+        if (std::cmp_greater(byteCount(parser.expat_), maximumTokenBytes)) {
             parser.abort(tagTooLong());
             return;
         }
@@ -90,8 +102,7 @@ bool AnswerParser::parse(const QByteArray &document)
         const bool last = fed + chunkBytes > document.size();
         status = XML_Parse(expat.get(), document.constData() + fed, static_cast<int>(length), last ? 1 : 0);
         // Expat stands at the beginning of the token that it could not end yet.
-        if (status == XML_STATUS_OK && !last &&
-            fed + length - XML_GetCurrentByteIndex(expat.get()) > maximumTokenBytes) {
+        if (status == XML_STATUS_OK && !last && fed + length - byteIndex(expat.get()) > maximumTokenBytes) {
             abort(tagTooLong());
             status = XML_STATUS_ERROR;
         }
@@ -100,7 +111,7 @@ bool AnswerParser::parse(const QByteArray &document)
     if (status != XML_STATUS_OK && errorText_.isEmpty()) {
         errorText_ = QStringLiteral("%1 (line %2)")
                          .arg(QString::fromUtf8(XML_ErrorString(XML_GetErrorCode(expat.get()))))
-                         .arg(XML_GetCurrentLineNumber(expat.get()));
+                         .arg(lineNumber(expat.get()));
     }
     expat_ = nullptr;
     if (status != XML_STATUS_OK) {

@@ -15,7 +15,7 @@ Plist newScalar(const QVariant &value)
     case QMetaType::Bool:
         return Plist(plist_new_bool(value.toBool() ? 1 : 0));
     case QMetaType::LongLong:
-        return Plist(plist_new_uint(static_cast<uint64_t>(value.toLongLong())));
+        return newPlistInteger(value.toLongLong());
     case QMetaType::Double:
         return Plist(plist_new_real(value.toDouble()));
     case QMetaType::QString:
@@ -205,6 +205,6 @@ QByteArray KeyedArchiver::finish(Index root)
     std::uint32_t size = 0;
     plist_to_bin(archive.get(), &bytes, &size);
     QByteArray binary(bytes, size);
-    plist_to_bin_free(bytes);
+    freePlistBytes(bytes);
     return binary;
 }

@@ -122,7 +122,7 @@ QVariant KeyedUnarchiver::decodedInteger(plist_t object) const
     plist_get_uint_val(object, &number);
     // From 2^63 on it is either a negative number, or one that was stored in 16 bytes and has no qlonglong.
     if (number > INT64_MAX) {
-        const Plist negative(plist_new_uint(number));
+        const Plist negative = newPlistInteger(static_cast<std::int64_t>(number));
         if (plist_compare_node_value(object, negative.get()) == 0) {
             return QVariant::fromValue(ArchivedObject{document_, object});
         }

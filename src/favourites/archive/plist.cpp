@@ -11,7 +11,39 @@ QByteArray plistBytes(const QString &text)
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     return encoder.encode(text);
 }
+
+// Of the functions that came with libplist 2.3 some took the place of others.
+
+template <class Byte>
+void freeBytes(Byte *bytes)
+{
+    if constexpr (requires { plist_mem_free(bytes); }) {
+        plist_mem_free(bytes);
+    } else {
+        plist_to_bin_free(bytes);
+    }
+}
+
+template <class Number>
+plist_t newInteger(Number number)
+{
+    if constexpr (requires { plist_new_int(number); }) {
+        return plist_new_int(number);
+    } else {
+        return plist_new_uint(static_cast<std::uint64_t>(number));
+    }
+}
 } // namespace
+
+void freePlistBytes(char *bytes)
+{
+    freeBytes(bytes);
+}
+
+Plist newPlistInteger(std::int64_t number)
+{
+    return Plist(newInteger(number));
+}
 
 Plist newPlistText(const QString &text)
 {

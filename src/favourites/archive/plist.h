@@ -16,6 +16,12 @@ struct PlistFree
 };
 using Plist = std::unique_ptr<void, PlistFree>;
 
+/// Releases bytes that libplist has allocated.
+void freePlistBytes(char *bytes);
+
+/// A node of a number that may be negative.
+Plist newPlistInteger(std::int64_t number);
+
 /// A string node. An unpaired surrogate, which cannot be written, becomes U+FFFD; the text ends at its first
 /// U+0000, because libplist's strings do.
 Plist newPlistText(const QString &text);

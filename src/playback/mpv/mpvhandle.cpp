@@ -1,5 +1,7 @@
 #include "playback/mpv/mpvhandle.h"
 
+#include "playback/mpv/mpvnode.h"
+
 #include <QLoggingCategory>
 #include <malloc.h>
 
@@ -66,7 +68,7 @@ void MpvHandle::observe(const char *property, mpv_format format)
     library_.observeProperty(handle_, 0, property, format);
 }
 
-void MpvHandle::command(const std::vector<QByteArray> &words, quint64 reply)
+void MpvHandle::command(const std::vector<QByteArray> &words)
 {
     std::vector<const char *> arguments;
     arguments.reserve(words.size() + 1);
@@ -74,7 +76,22 @@ void MpvHandle::command(const std::vector<QByteArray> &words, quint64 reply)
         arguments.push_back(word.constData());
     }
     arguments.push_back(nullptr);
-    library_.commandAsync(handle_, reply, arguments.data());
+    library_.commandAsync(handle_, 0, arguments.data());
+}
+
+void MpvHandle::load(const QByteArray &address, const Options &options, quint64 reply)
+{
+    NodeMap streamOptions;
+    for (const auto &[name, value] : options) {
+        streamOptions.add(name.constData(), value.constData());
+    }
+    // By name: where the options stand among the words of this command depends on the version.
+    NodeMap loadFile;
+    loadFile.add("name", "loadfile");
+    loadFile.add("url", address.constData());
+    loadFile.add("options", streamOptions);
+    mpv_node command = loadFile.node();
+    library_.commandNodeAsync(handle_, reply, &command);
 }
 
 void MpvHandle::setFlag(const char *property, bool value)

@@ -34,8 +34,11 @@ public:
 
     /// Asks for an MPV_EVENT_PROPERTY_CHANGE now and at each change.
     void observe(const char *property, mpv_format format);
-    /// Starts a command; its MPV_EVENT_COMMAND_REPLY carries `reply`.
-    void command(const std::vector<QByteArray> &words, quint64 reply = 0);
+    /// Starts a command.
+    void command(const std::vector<QByteArray> &words);
+    /// Loads what is at `address` in place of anything else, with options of that stream alone; a name may
+    /// stand there more than once. Its MPV_EVENT_COMMAND_REPLY carries `reply`.
+    void load(const QByteArray &address, const Options &options, quint64 reply);
     void setFlag(const char *property, bool value);
     void setInteger(const char *property, qint64 value);
     void setNumber(const char *property, double value);

@@ -36,6 +36,7 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
         !find(library, "mpv_set_option_string", functions->setOptionString) ||
         !find(library, "mpv_set_property_async", functions->setPropertyAsync) ||
         !find(library, "mpv_command_async", functions->commandAsync) ||
+        !find(library, "mpv_command_node_async", functions->commandNodeAsync) ||
         !find(library, "mpv_observe_property", functions->observeProperty) ||
         !find(library, "mpv_wait_event", functions->waitEvent) ||
         !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback)) {

@@ -13,6 +13,7 @@ struct MpvLibrary
     decltype(&mpv_set_option_string) setOptionString = nullptr;
     decltype(&mpv_set_property_async) setPropertyAsync = nullptr;
     decltype(&mpv_command_async) commandAsync = nullptr;
+    decltype(&mpv_command_node_async) commandNodeAsync = nullptr;
     decltype(&mpv_observe_property) observeProperty = nullptr;
     decltype(&mpv_wait_event) waitEvent = nullptr;
     decltype(&mpv_set_wakeup_callback) setWakeupCallback = nullptr;

@@ -26,29 +26,23 @@ QByteArray networkTimeout(double seconds)
     return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
 }
 
-/// As a value in a list of options, whatever stands in it.
-QByteArray verbatim(const QByteArray &text)
-{
-    return '%' + QByteArray::number(text.size()) + '%' + text;
-}
-
 /// Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of the
 /// one before when it takes them. `isRepeated` where the same stream was loaded just before.
-QByteArrayList loadOptions(double timeout, const HttpHeaders &headers, bool isRepeated)
+MpvHandle::Options loadOptions(double timeout, const HttpHeaders &headers, bool isRepeated)
 {
-    QByteArrayList options{"network-timeout=" + networkTimeout(timeout)};
+    MpvHandle::Options options{{"network-timeout", networkTimeout(timeout)}};
     for (const auto &[name, value] : headers) {
         if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
-            options.append("user-agent=" + verbatim(value));
+            options.emplace_back("user-agent", value);
         } else {
-            options.append("http-header-fields-append=" + verbatim(name + ": " + value));
+            options.emplace_back("http-header-fields-append", name + ": " + value);
             // What is meant for one server only goes to one that has shown that it is that server.
-            options.append("tls-verify=yes");
+            options.emplace_back("tls-verify", "yes");
         }
     }
     if (isRepeated) {
         // It was taken for a format that it hardly resembled.
-        options.append("demuxer-lavf-probescore=" + QByteArray::number(surerProbeScore));
+        options.emplace_back("demuxer-lavf-probescore", QByteArray::number(surerProbeScore));
     }
     return options;
 }
@@ -111,9 +105,7 @@ void StreamLoad::load(const QUrl &stream)
 {
     const bool isRepeated = stream == std::exchange(stream_, stream);
     enter(Stage::Requested);
-    handle_.command({"loadfile", stream.toEncoded(), "replace",
-                     loadOptions(timeout_, headers_.forUrl(stream), isRepeated).join(',')},
-                    ++request_);
+    handle_.load(stream.toEncoded(), loadOptions(timeout_, headers_.forUrl(stream), isRepeated), ++request_);
 }
 
 /// What libmpv still reports of the stream is not the next one's.
