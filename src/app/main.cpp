@@ -9,6 +9,7 @@
 #include "desktop/desktoplook.h"
 #include "desktop/shell.h"
 #include "desktop/singleinstance.h"
+#include "http/httpclient.h"
 #include "mainwindow/mainwindow.h"
 #include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
@@ -126,7 +127,11 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         const QuitSignals quitSignals;
         QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
         MainWindow window(environment.endpoints, backend, state);
-        QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
+        QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&window, &backend] {
+            // Both take the processors from the first frame. The smaller one goes first, the directory waits.
+            HttpClient::instance().whenOpened(&window, [&backend] { backend.preload(); });
+            HttpClient::instance().open();
+        });
         QObject::connect(&window, &MainWindow::firstFramePainted, &look,
                          [&look, &instance] { look.watchDesktop(instance->connection()); });
         QObject::connect(&window, &MainWindow::appearanceChosen, &look, &DesktopLook::setAppearance);
