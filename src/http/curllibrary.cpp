@@ -24,6 +24,7 @@ bool findAll(QLibrary &library, CurlLibrary &functions)
 {
     return find(library, "curl_easy_init", functions.easyInit) &&
            find(library, "curl_easy_cleanup", functions.easyCleanup) &&
+           find(library, "curl_easy_pause", functions.easyPause) &&
            find(library, "curl_easy_setopt", functions.easySetopt) &&
            find(library, "curl_easy_getinfo", functions.easyGetinfo) &&
            find(library, "curl_easy_nextheader", functions.easyNextheader) &&
@@ -43,8 +44,8 @@ std::unique_ptr<const CurlLibrary> open()
 {
     QLibrary library(QStringLiteral("curl"), interfaceVersion);
 #if !defined(PLUMTIDE_SANITIZED)
-    // Its thirty shared objects find each other's functions in half the time when they do not look through those
-    // of the program first. Sanitizers have to be found first.
+    // Its thirty shared objects find each other's functions in half the time when they do not look through
+    // those of the program first. Sanitizers have to be found first.
     library.setLoadHints(QLibrary::DeepBindHint);
 #endif
     auto functions = std::make_unique<CurlLibrary>();

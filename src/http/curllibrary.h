@@ -8,6 +8,7 @@ struct CurlLibrary
 {
     decltype(&curl_easy_init) easyInit = nullptr;
     decltype(&curl_easy_cleanup) easyCleanup = nullptr;
+    decltype(&curl_easy_pause) easyPause = nullptr;
     decltype(&curl_easy_setopt) easySetopt = nullptr;
     decltype(&curl_easy_getinfo) easyGetinfo = nullptr;
     decltype(&curl_easy_nextheader) easyNextheader = nullptr;

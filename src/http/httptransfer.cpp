@@ -4,6 +4,10 @@
 #include <utility>
 
 namespace {
+/// How much of a body is taken in one turn of the event loop, and how much is read at a time: a few bytes can
+/// make a thousand times as many, and those that one reading makes are made at once.
+constexpr qsizetype mostInATurn = 1024 * 1024;
+constexpr long readingBytes = 4096;
 /// RFC 8305, section 5: the Connection Attempt Delay that it recommends, in milliseconds.
 constexpr long attemptDelay = 250;
 /// How long a connection that nobody uses is good for another request, in seconds.
@@ -36,6 +40,7 @@ void HttpTransfer::send(const HttpRequest &request, const QUrl &url)
     response_ = {.url = url, .status = 0, .headers = {}};
     headBytes_ = 0;
     isHeadComplete_ = false;
+    isPaused_ = false;
     stop_.reset();
     errorText_.front() = '\0';
     setRequest(request);
@@ -71,13 +76,14 @@ void HttpTransfer::open(bool isCompressible)
     };
     const auto onBody = [](char *data, std::size_t, std::size_t size, void *transfer) -> std::size_t {
         const QByteArrayView piece(data, static_cast<qsizetype>(size));
-        return static_cast<HttpTransfer *>(transfer)->takeBody(piece) ? size : CURL_WRITEFUNC_ERROR;
+        return static_cast<HttpTransfer *>(transfer)->takeBody(piece);
     };
     set(CURLOPT_HEADERFUNCTION, static_cast<curl_write_callback>(onHead));
     set(CURLOPT_HEADERDATA, this);
     set(CURLOPT_WRITEFUNCTION, static_cast<curl_write_callback>(onBody));
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_ERRORBUFFER, errorText_.data());
+    set(CURLOPT_BUFFERSIZE, readingBytes);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     // One connection is one request: who cancels it closes the connection.
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
@@ -170,18 +176,27 @@ bool HttpTransfer::endHead()
 }
 
 /// Whoever listens may have seen enough after what fits, and cancel.
-bool HttpTransfer::takeBody(QByteArrayView piece)
+std::size_t HttpTransfer::takeBody(QByteArrayView piece)
 {
     if (stop_) {
-        return false;
+        return CURL_WRITEFUNC_ERROR;
     }
-    const qint64 room = maximumBytes_ - body_.size();
-    body_ += piece.first(std::min<qsizetype>(room, piece.size()));
-    if (!std::exchange(isBodyUntold_, true)) {
+    if (untold_ >= mostInATurn) {
+        isPaused_ = true;
+        return CURL_WRITEFUNC_PAUSE;
+    }
+    if (untold_ == 0) {
         // Not from within libcurl: whoever is told may want to end this or to begin another.
         QMetaObject::invokeMethod(this, &HttpTransfer::tellBody, Qt::QueuedConnection);
     }
-    return piece.size() <= room || stopFor(TransferEnd::TooLong);
+    const qint64 room = maximumBytes_ - body_.size();
+    body_ += piece.first(std::min<qsizetype>(room, piece.size()));
+    untold_ += piece.size();
+    if (piece.size() > room) {
+        stopFor(TransferEnd::TooLong);
+        return CURL_WRITEFUNC_ERROR;
+    }
+    return static_cast<std::size_t>(piece.size());
 }
 
 bool HttpTransfer::stopFor(TransferEnd end)
@@ -192,8 +207,11 @@ bool HttpTransfer::stopFor(TransferEnd end)
 
 void HttpTransfer::tellBody()
 {
-    if (std::exchange(isBodyUntold_, false) && easy_ != nullptr) {
+    if (std::exchange(untold_, 0) > 0 && easy_ != nullptr) {
         Q_EMIT bodyReceived();
+    }
+    if (std::exchange(isPaused_, false) && easy_ != nullptr) {
+        client_->library()->easyPause(easy_, CURLPAUSE_CONT);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <QPointer>
 #include <array>
+#include <cstddef>
 #include <optional>
 
 /// How a request ended.
@@ -52,7 +53,8 @@ private:
     void setRequest(const HttpRequest &request);
     bool takeHeadLine(QByteArrayView line);
     bool endHead();
-    bool takeBody(QByteArrayView piece);
+    /// How much of it has been taken, or what libcurl is to do instead.
+    std::size_t takeBody(QByteArrayView piece);
     void tellBody();
     void finish(CURLcode result);
     TransferEnd endOf(CURLcode result) const;
@@ -77,7 +79,8 @@ private:
     QByteArray body_;
     qsizetype headBytes_ = 0;
     bool isHeadComplete_ = false;
-    bool isBodyUntold_ = false;
+    qsizetype untold_ = 0; // of the body
+    bool isPaused_ = false;
     std::optional<TransferEnd> stop_; // what libcurl has been stopped for
     CURLcode result_ = CURLE_OK;
 };
