@@ -77,8 +77,8 @@ QUrl HttpResponse::redirectTarget() const
     return url.resolved(QUrl::fromEncoded(header("Location")));
 }
 
-/// One coding at most, and none whose decoder needs much memory: each coding within another multiplies what
-/// a few bytes can make.
+/// Each coding within another would multiply what a few bytes can make, and libcurl decodes whatever it
+/// knows: zstd, whose decoder may be told to take 128 MiB, among it.
 bool HttpResponse::isReadable(bool isCompressible) const
 {
     static constexpr std::array<QByteArrayView, 5> contentCodings{"gzip", "x-gzip", "deflate", "br",

@@ -27,7 +27,7 @@ struct HttpRequest
     /// The longest body that is taken, as it is when nothing compresses it; a longer one is an error.
     qint64 maximumBytes = 32LL * 1024 * 1024;
 
-    /// All that a request for `url` carries, where this request and its redirects have led to it.
+    /// All that is sent to `target`, where this request or its redirects lead.
     HttpHeaders headersFor(const QUrl &target) const;
     /// Whether it has a body, be it an empty one.
     bool hasBody() const;
@@ -49,7 +49,8 @@ struct HttpResponse
     bool isRedirect() const;
     /// Where to: an absolute address, which may be none that is followed.
     QUrl redirectTarget() const;
-    /// Whether its body comes as a sender may send it who answers a request that is or is not compressible.
+    /// Whether its body comes in codings that may be taken: one at most, of those that a request which is or
+    /// is not compressible asks for.
     bool isReadable(bool isCompressible) const;
 };
 

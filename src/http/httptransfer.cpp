@@ -32,9 +32,6 @@ HttpTransfer::~HttpTransfer()
 
 void HttpTransfer::send(const HttpRequest &request, const QUrl &url)
 {
-    if (easy_ == nullptr) {
-        open(request.isCompressible);
-    }
     isCompressible_ = request.isCompressible;
     maximumBytes_ = request.maximumBytes;
     response_ = {.url = url, .status = 0, .headers = {}};
@@ -43,6 +40,9 @@ void HttpTransfer::send(const HttpRequest &request, const QUrl &url)
     isPaused_ = false;
     stop_.reset();
     errorText_.front() = '\0';
+    if (easy_ == nullptr) {
+        open();
+    }
     setRequest(request);
     client_->begin(easy_, [this](CURLcode result) { finish(result); });
 }
@@ -66,7 +66,7 @@ QString HttpTransfer::errorText() const
     return QString::fromUtf8(*text != '\0' ? text : CurlLibrary::get()->easyStrerror(result_));
 }
 
-void HttpTransfer::open(bool isCompressible)
+void HttpTransfer::open()
 {
     client_ = &HttpClient::instance();
     easy_ = client_->library()->easyInit();
@@ -95,7 +95,7 @@ void HttpTransfer::open(bool isCompressible)
     set(CURLOPT_QUICK_EXIT, 1L);
     // From nowhere: it is this that has cookies kept at all.
     set(CURLOPT_COOKIEFILE, "");
-    if (isCompressible) {
+    if (isCompressible_) {
         set(CURLOPT_ACCEPT_ENCODING, client_->library()->hasBrotli ? "gzip, deflate, br" : "gzip, deflate");
     }
     chooseCertificates();

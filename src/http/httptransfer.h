@@ -48,7 +48,7 @@ Q_SIGNALS:
     void ended(TransferEnd end);
 
 private:
-    void open(bool isCompressible);
+    void open();
     void chooseCertificates();
     void setRequest(const HttpRequest &request);
     bool takeHeadLine(QByteArrayView line);
