@@ -10,6 +10,7 @@
 #include "desktop/desktoplook.h"
 #include "desktop/shell.h"
 #include "desktop/singleinstance.h"
+#include "http/httpclient.h"
 #include "playback/mpv/mpvbackend.h"
 #include "settings/statefile.h"
 #include "ui/widgets/svgicon.h"
@@ -130,7 +131,11 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         QObject::connect(&quitSignals, &QuitSignals::received, &application, &QApplication::quit);
         Program program(environment.directory, backend, state);
         MainWindow &window = program.window;
-        QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&backend] { backend.preload(); });
+        QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&window, &backend] {
+            // Both take the processors from the first frame. The smaller one goes first, the directory waits.
+            HttpClient::instance().whenOpened(&window, [&backend] { backend.preload(); });
+            HttpClient::instance().open();
+        });
         QObject::connect(&window, &MainWindow::firstFramePainted, &look,
                          [&look, &instance] { look.watchDesktop(instance->connection()); });
         QObject::connect(&window, &MainWindow::appearanceChosen, &look, &DesktopLook::setAppearance);

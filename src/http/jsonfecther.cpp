@@ -51,7 +51,7 @@ QString JSonFecther::standardBasicAuthWithUsername(const QString &username, cons
 void JSonFecther::asynchRequest(const QUrl &url, const QString &method, const std::optional<QJsonValue> &body,
                                 Completion completion)
 {
-    HttpRequest request{.url = url, .owner = url};
+    HttpRequest request{.url = url, .owner = url, .isCompressible = true};
     // What the directory knows this program by; not the agent that stream servers are shown.
     request.headers.emplaceBack("User-Agent", "com.Zelmo.ForMac.useragent");
     if (!username().isNull() && !password().isNull()) {

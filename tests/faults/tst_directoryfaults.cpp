@@ -6,9 +6,11 @@
 
 #include <QHelpEvent>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QTcpSocket>
 #include <QTextDocument>
 #include <QToolTip>
+#include <QUrl>
 #include <algorithm>
 #include <memory>
 
@@ -32,6 +34,9 @@ private Q_SLOTS:
     void faultsEnd_data();
     void faultsEnd();
     void truncatedAnswersAreNoLists();
+    void cookiesLastForOneSearch();
+    void proxiesAreUsed();
+    void refusedProxiesAreNamed();
     void oddNamesAreShownPlain_data();
     void oddNamesAreShownPlain();
     void cleanupTestCase();
@@ -82,13 +87,12 @@ void TestDirectoryFaults::faultsEnd_data()
     QTest::addColumn<QString>("shown");
     for (const char *fault :
          {"closed", "reset", "long-length", "bad-chunk", "endless-headers", "endless-body", "long-attribute",
-          "redirect=loop", "redirect=file", "redirect=http://CLOSED/"}) {
+          "bomb", "redirect=loop", "redirect=file", "redirect=http://CLOSED/"}) {
         QTest::newRow(fault) << downloading << noAnswer;
     }
     for (const char *fault : {"empty",
                               "short-length",
                               "truncate",
-                              "bomb",
                               "status=401",
                               "status=403",
                               "status=404",
@@ -110,6 +114,8 @@ void TestDirectoryFaults::faultsEnd_data()
     }
     QTest::newRow("charset=x-unknown") << complete << u"1"_s;
     QTest::newRow("numbers") << complete << u"11"_s;
+    QTest::newRow("deflate") << complete << u"3"_s;
+    QTest::newRow("cookie") << complete << u"3"_s;
     QTest::newRow("depth=0") << complete << none;
     const QString top = QString::number(std::min(radio_.stations().size() + 24, qsizetype{500}));
     QTest::newRow("redirect=port") << complete << top;
@@ -152,6 +158,53 @@ void TestDirectoryFaults::truncatedAnswersAreNoLists()
         QCOMPARE(stage_->shown(), unusable);
     }
     watch_.report("Download Complete, unusable");
+    carryOn();
+}
+
+void TestDirectoryFaults::cookiesLastForOneSearch()
+{
+    const qsizetype before = radio_.logged(u"request"_s).size();
+    for (int number = 0; number < 2; ++number) {
+        search(u"fault:cookie"_s);
+        QCOMPARE(stage_->shown(), u"3"_s);
+    }
+    QList<bool> cookies;
+    for (const QJsonObject &request : radio_.logged(u"request"_s).mid(before)) {
+        cookies.append(QJsonDocument(request["headers"_L1].toArray()).toJson().contains("Cookie"));
+    }
+    QCOMPARE(cookies, (QList{false, true, false, true}));
+}
+
+/// By the directory, the playlist and the stream.
+void TestDirectoryFaults::proxiesAreUsed()
+{
+    const qsizetype before = radio_.logged(u"request"_s).size();
+    qputenv("http_proxy", radio_.secondAddress().toLatin1());
+    carryOn();
+    qunsetenv("http_proxy");
+    QStringList targets;
+    for (const QJsonObject &request : radio_.logged(u"request"_s).mid(before)) {
+        QCOMPARE(request["port"_L1].toInt(), QUrl(radio_.secondAddress()).port());
+        QCOMPARE(request["proxied"_L1].toString(), radio_.address());
+        targets.append(request["target"_L1].toString().section(u'/', 1, 1));
+    }
+    QVERIFY2(targets.startsWith(u"legacy"_s) && targets.contains(u"sbin"_s) && targets.endsWith(u"stream"_s),
+             qPrintable(targets.join(u' ')));
+}
+
+void TestDirectoryFaults::refusedProxiesAreNamed()
+{
+    QTcpSocket closed; // holds a port without listening
+    QVERIFY(closed.bind(QHostAddress::LocalHost));
+    qputenv("http_proxy", "127.0.0.1:" + QByteArray::number(closed.localPort()));
+    QTest::ignoreMessage(
+        QtWarningMsg,
+        QRegularExpression(u"^no answer from the directory: .* 127\\.0\\.0\\.1 port %1 .*http_proxy"_s.arg(
+            closed.localPort())));
+    search(u"jazz"_s);
+    qunsetenv("http_proxy");
+    QCOMPARE(stage_->text(u"subtitleStatusString"_s), downloading);
+    QCOMPARE(stage_->shown(), noAnswer);
     carryOn();
 }
 

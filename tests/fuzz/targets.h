@@ -12,8 +12,8 @@ struct FuzzTarget
     void (*run)(const QByteArray &data);
 };
 
-/// All that a server sends.
-void fuzzHttpAnswer(const QByteArray &data);
+/// Lines: the address that is asked, and where the answer says to go from there.
+void fuzzHttpRedirect(const QByteArray &data);
 void fuzzDirectoryAnswer(const QByteArray &data);
 void fuzzFavouritesArchive(const QByteArray &data);
 void fuzzPlaylist(const QByteArray &data);
@@ -24,7 +24,7 @@ void fuzzDisplayText(const QByteArray &data);
 void fuzzDragPayload(const QByteArray &data);
 
 inline constexpr std::array<FuzzTarget, 7> fuzzTargets{{
-    {"http-answer", fuzzHttpAnswer},
+    {"http-redirect", fuzzHttpRedirect},
     {"directory-answer", fuzzDirectoryAnswer},
     {"favourites-archive", fuzzFavouritesArchive},
     {"playlist", fuzzPlaylist},

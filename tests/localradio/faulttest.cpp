@@ -409,7 +409,7 @@ private Q_SLOTS:
 
     void refusedPlaylistLeadsNowhere()
     {
-        Client playlist(port_, "/refused");
+        Client playlist(port_, "http://radio.example/refused"); // as of a proxy
         QTRY_COMPARE(playlist.end(), QByteArray("closed"));
         static const QRegularExpression entry(QStringLiteral("\nFile1=http://127.0.0.1:(\\d+)/\n"));
         const QString port = entry.match(QString::fromUtf8(playlist.body())).captured(1);
@@ -454,6 +454,8 @@ private Q_SLOTS:
         add("body-drip", {}, {}, open);
         add("endless-body", fine, {}, open, 9'000'000);
         add("bomb=2064000", fine, QByteArray(9, '\0'), closed, 13'000);
+        add("deflate", fine, {}, closed, 100);
+        add("cookie", "HTTP/1.1 302 Found\r\n", "Found\n", closed);
         add("long-length", fine, list, closed);
         add("short-length", fine, list, closed);
         add("bad-chunk", fine, "\r\n0\r\n\r\n", closed);

@@ -11,6 +11,7 @@ namespace {
 
 constexpr QLatin1StringView prefix("fault:");
 constexpr QLatin1StringView redirect("redirect=");
+constexpr char cookie[] = "fault=1";
 
 } // namespace
 
@@ -35,6 +36,13 @@ bool AnswerFaults::serve(HttpConnection &connection, const RequestTarget &target
             "/legacy/Top500/?k=" + target.parameter(QLatin1StringView("k")).toUtf8().toPercentEncoding();
         Answer answer = Answer::plain(302);
         answer.headers = "Location: " + redirectLocation(wanted, connection, ports_, top) + "\r\n";
+        connection.answer(answer);
+        return true;
+    }
+    const HttpRequest &request = connection.request();
+    if (order == u"cookie" && request.header("Cookie") != cookie) {
+        Answer answer = Answer::plain(302);
+        answer.headers = "Location: " + request.target + "\r\nSet-Cookie: " + cookie + "\r\n";
         connection.answer(answer);
         return true;
     }

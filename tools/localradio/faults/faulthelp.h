@@ -49,6 +49,8 @@ password of --user and --password.
 /outage?seconds=N resets all connections on the first port and refuses new
 ones for N seconds, at most 60. The second port stays.
 
+Either port is an http proxy as well, which serves the same for any host.
+
 /refused is a playlist that leads to a port where nobody listens.
 
 /playlist is a playlist made to order. It takes close-after, reset-after,
@@ -78,8 +80,10 @@ for one of these gets that for an answer from the directory:
   fault:endless-headers  headers without end, as fast as the client reads
   fault:body-drip        20 bytes a second, without end
   fault:endless-body     stations without end, as fast as the client reads
-  fault:bomb[=BYTES]     gzip that nobody asked for; as many bytes inflated,
-                         300 million if left out
+  fault:bomb[=BYTES]     gzip; as many bytes inflated, 300 million if left out
+  fault:deflate          the list, compressed
+  fault:cookie           a redirect to itself that sets a cookie, and the list
+                         for whoever brings that
   fault:long-length      1000 bytes fewer than its Content-Length says
   fault:short-length     twice as many
   fault:bad-chunk        chunks with a word for a size

@@ -232,6 +232,13 @@ const std::map<QString, Maker> &makers()
         {QStringLiteral("endless-headers"), [](const Order &) { return endlessHeaders(); }},
         {QStringLiteral("endless-body"), endlessBody},
         {QStringLiteral("bomb"), bomb},
+        {QStringLiteral("deflate"),
+         [](const Order &order) {
+             constexpr qsizetype lengthBytes = 4; // Qt's own, in front of the format
+             const QByteArray body = qCompress(healthyList(order)).sliced(lengthBytes);
+             return streamed({body}, "Content-Encoding: deflate\r\n" + lengthHeader(body.size()));
+         }},
+        {QStringLiteral("cookie"), [](const Order &order) { return whole(healthyList(order)); }},
         {QStringLiteral("long-length"),
          [](const Order &order) {
              const QByteArray body = healthyList(order);

@@ -15,12 +15,18 @@ std::optional<HttpRequest> HttpRequest::parse(const QByteArray &head)
             line.chop(1);
         }
     }
-    const QList<QByteArray> words = lines.takeFirst().split(' ');
+    QList<QByteArray> words = lines.takeFirst().split(' ');
+    QByteArray proxied;
+    constexpr QByteArrayView scheme("http://");
+    if (words.size() == 3 && words[1].startsWith(scheme)) {
+        proxied = words[1].first(std::max(words[1].indexOf('/', scheme.size()), qsizetype{0}));
+        words[1].remove(0, proxied.size());
+    }
     if (words.size() != 3 || words[0].isEmpty() || !words[1].startsWith('/') ||
         !words[2].startsWith("HTTP/1.")) {
         return std::nullopt;
     }
-    HttpRequest request{words[0], words[1], {}};
+    HttpRequest request{words[0], proxied, words[1], {}};
     for (const QByteArray &line : std::as_const(lines)) {
         const qsizetype colon = line.indexOf(':');
         if (colon <= 0) {

@@ -34,6 +34,7 @@ void RequestLog::follow(HttpConnection &connection)
             headers.append(QJsonArray{QString::fromLatin1(name), QString::fromLatin1(value)});
         }
         writeFor("request", {{QStringLiteral("method"), QString::fromLatin1(request.method)},
+                             {QStringLiteral("proxied"), QString::fromLatin1(request.proxied)},
                              {QStringLiteral("target"), QString::fromLatin1(request.target)},
                              {QStringLiteral("headers"), headers}});
     });
