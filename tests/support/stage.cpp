@@ -79,6 +79,7 @@ StationRecord privateStation(const QUrl &server, const QString &mountpoint, cons
     station->setMountpoint(mountpoint);
     station->setUsername(username);
     station->setPassword(password);
+    station->setCustom(true);
     station->setRadioIsPrivate(true);
     return station;
 }
