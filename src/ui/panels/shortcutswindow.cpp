@@ -13,7 +13,7 @@
 namespace {
 constexpr int windowWidth = 480;
 constexpr int windowHeight = 600;
-constexpr int edge = 16;
+constexpr int contentMargin = 16;
 constexpr int lineHeight = 28;
 constexpr int headingHeight = 48;
 
@@ -82,7 +82,7 @@ ShortcutsWindow::ShortcutsWindow(const QMenuBar &menuBar, QWidget *parent)
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setMinimumSectionSize(lineHeight);
     auto *content = new QVBoxLayout(this);
-    content->setContentsMargins(edge, edge / 2, edge / 2, edge);
+    content->setContentsMargins(contentMargin, contentMargin / 2, contentMargin / 2, contentMargin);
     content->addWidget(table_);
 }
 
