@@ -2,6 +2,7 @@
 #include "base/displaytext.h"
 #include "base/leadinginteger.h"
 #include "directory/keyed/stationdirectory.h"
+#include "directory/keyed/tuneinaddress.h"
 #include "http/address.h"
 #include "http/jsonfecther.h"
 #include "support/scriptedserver.h"
@@ -78,6 +79,7 @@ private Q_SLOTS:
     void unusableAnswersLeaveNothing();
     void otherModelsOnlyEmptyTheLists();
     void sortKeepsEqualsInOrder();
+    void tuneInAddresses();
 };
 
 void TestDirectory::base64_data()
@@ -463,6 +465,18 @@ void TestDirectory::sortKeepsEqualsInOrder()
         return before.at(left).front() < before.at(right).front();
     });
     QCOMPARE(namesOf(client.directory), (QStringList{u"a1"_s, u"a2"_s, u"b1"_s, u"b2"_s}));
+}
+
+void TestDirectory::tuneInAddresses()
+{
+    const StationEntry station(AttributeMap(QByteArray("name\0id\0", 8), QByteArray("A\0"
+                                                                                    "42\0",
+                                                                                    5)));
+    const AttributeMap based(QByteArray("base\0", 5), QByteArray("/tune.pls\0", 10));
+    const AttributeMap baseless(QByteArray("other\0", 6), QByteArray("x\0", 2));
+    QVERIFY(tuneInAddress(u"http://h"_s, {}, station).isNull());
+    QCOMPARE(tuneInAddress(u"http://h"_s, {baseless, based}, station), u"http://h/tune.pls?id=42"_s);
+    QCOMPARE(tuneInAddress(u"http://h"_s, {based, baseless}, station), u"http://h?id=42"_s);
 }
 
 QTEST_GUILESS_MAIN(TestDirectory)

@@ -1,4 +1,3 @@
-#include "directory/keyed/tuneinaddress.h"
 #include "http/address.h"
 #include "playback/keypath.h"
 #include "playback/privatestream.h"
@@ -74,7 +73,6 @@ private Q_SLOTS:
     void privateUrls();
     void privateHeaders();
     void customStations();
-    void tuneInAddresses();
 };
 
 void TestStreamPlayback::textOfEachReport_data()
@@ -398,18 +396,6 @@ void TestStreamPlayback::customStations()
     QCOMPARE(stage.item().request.url.toEncoded(), "http://host:8000/live");
     QCOMPARE(stage.item().request.timeout, 25.0);
     QCOMPARE(stage.item().request.headers, privateStreamHeaders(*model, 3));
-}
-
-void TestStreamPlayback::tuneInAddresses()
-{
-    const StationEntry station(AttributeMap(QByteArray("name\0id\0", 8), QByteArray("A\0"
-                                                                                    "42\0",
-                                                                                    5)));
-    const AttributeMap based(QByteArray("base\0", 5), QByteArray("/tune.pls\0", 10));
-    const AttributeMap baseless(QByteArray("other\0", 6), QByteArray("x\0", 2));
-    QVERIFY(tuneInAddress(u"http://h"_s, {}, station).isNull());
-    QCOMPARE(tuneInAddress(u"http://h"_s, {baseless, based}, station), u"http://h/tune.pls?id=42"_s);
-    QCOMPARE(tuneInAddress(u"http://h"_s, {based, baseless}, station), u"http://h?id=42"_s);
 }
 
 QTEST_GUILESS_MAIN(TestStreamPlayback)
