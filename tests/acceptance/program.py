@@ -112,4 +112,4 @@ class ProgramTest(unittest.TestCase):
         deadline = time.monotonic() + 20
         while not condition():
             self.assertLess(time.monotonic(), deadline)
-            time.sleep(0.02)
+            time.sleep(0.005)
