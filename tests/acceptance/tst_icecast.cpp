@@ -10,7 +10,7 @@ namespace {
 constexpr int pitch = 600;
 } // namespace
 
-/// A stream server that is not of our own making.
+/// The program before a stream server that others have written.
 class TestIcecast : public QObject
 {
     Q_OBJECT

@@ -6,8 +6,8 @@
 #include <QTest>
 #include <cstdio>
 
-/// What one fault costs this process: how long it held the event loop, and the memory that it took at its
-/// height.
+/// What one fault costs this process: how long it blocked the event loop, and how much memory it took at its
+/// peak.
 class FaultWatch
 {
 public:
@@ -18,7 +18,7 @@ public:
     /// Begins anew.
     void start()
     {
-        // The kernel then counts the height of the resident memory anew.
+        // Resets the peak of the resident memory.
         QFile references(QStringLiteral("/proc/self/clear_refs"));
         if (references.open(QIODevice::WriteOnly)) {
             references.write("5");

@@ -95,7 +95,7 @@ struct Fault
     qsizetype size = -1;
 };
 
-/// Below: moc loses its way behind raw strings.
+/// All of them; at the end of the file, because moc finds no class behind raw strings.
 std::span<const Fault> documentedFaults();
 
 } // namespace

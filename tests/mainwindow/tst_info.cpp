@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 const QString endless = QString(4000, u'W');
 
-/// A window that hears what a test says.
+/// The window, with what is heard set by the test.
 struct InfoWindow : WindowStage
 {
     InfoWindow()

@@ -37,7 +37,7 @@ struct Recorder : RackView::Delegate
     QString pressed;
 };
 
-/// A rack of 400 stations of which a few are seen.
+/// A rack of 400 stations, of which a few are in view.
 struct LongRack
 {
     LongRack()
@@ -104,7 +104,7 @@ void TestAccessibility::rackIsAListOfAllStations()
     QCOMPARE(list->indexOfChild(last), 399);
 }
 
-/// Whoever holds one finds the same station behind it wherever it goes, and nothing once it is gone.
+/// A child that is held stands for the same station wherever that is moved, and for none once it is removed.
 void TestAccessibility::childrenStandForStations()
 {
     LongRack fixture;
@@ -124,7 +124,7 @@ void TestAccessibility::childrenStandForStations()
     QCOMPARE(fixture.idOf(200), kept);
 
     fixture.rack.setRadioItemCollectionArray({});
-    // Asked before the rack's change has been seen to, as by a program that knows no better.
+    // Asked before the view has dealt with the change of the rack.
     QAccessibleInterface *held = QAccessible::accessibleInterface(kept);
     QVERIFY(held->state().invalid);
     held->actionInterface()->doAction(QAccessibleActionInterface::pressAction());

@@ -108,7 +108,7 @@ private Q_SLOTS:
     void tilesFollowTheirStations();
     void mouseAndKeysSelect();
     void artworkAndButtonsKeepTheirPresses();
-    void dropsAreJudged();
+    void onlyOwnRegisteredDropsAreTaken();
 };
 
 /// Tiles of 100 x 100, three in a row, 10 between them and around; seven of them.
@@ -177,7 +177,7 @@ void TestRackView::tilesFollowTheirStations()
     view.rack.setRadioItemCollectionArray({station, station});
     QVERIFY(view.itemAtIndex(0) != view.itemAtIndex(1));
     view.rack.setRadioItemCollectionArray({});
-    // Who else knows a station without keeping it sees it go.
+    // The view keeps no reference to a station that has been removed.
     const std::weak_ptr<RadioModel> gone = std::exchange(station, nullptr);
     QVERIFY(gone.expired() && view.itemAtIndex(0) == nullptr && !tile->isVisible());
     QCOMPARE(view.currentIndex(), -1);
@@ -254,8 +254,8 @@ void TestRackView::artworkAndButtonsKeepTheirPresses()
     QCOMPARE(view.delegate.calls.join(u' '), u"double click 101 QList(0, 2)  QList(1) "_s);
 }
 
-/// Only what this program drags is looked at, and of that only what is registered.
-void TestRackView::dropsAreJudged()
+/// Only drags that begin in this program are taken, and of those only registered types.
+void TestRackView::onlyOwnRegisteredDropsAreTaken()
 {
     DrivenRack view(6);
     const auto shown = [&] { return view.grab().toImage(); };

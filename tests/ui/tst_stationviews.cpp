@@ -29,7 +29,7 @@ struct CountingDelegate : RVImageView::Delegate
     int count = 0;
 };
 
-/// An open popover, and what it tells.
+/// An open popover, and the edits that it signals.
 struct OpenPopover
 {
     explicit OpenPopover(StationPopover::Kind kind)
@@ -244,7 +244,7 @@ void TestStationViews::popoverTellsEachEdit()
     QCOMPARE(fixture.told.size(), wanted.size());
 }
 
-/// Odd values, no values, and the password that is hidden again.
+/// Odd values and missing ones are shown without signalling an edit, and the password is hidden again.
 void TestStationViews::popoverShowsWithoutTelling()
 {
     OpenPopover fixture(StationPopover::Kind::custom);
