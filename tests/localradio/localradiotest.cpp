@@ -258,7 +258,7 @@ private Q_SLOTS:
         QVERIFY(head.contains("\r\nicy-name: " + station.name.toUtf8() + "\r\n"));
         QCOMPARE(head.contains("\r\nicy-metaint: 16000"), hasTitles);
         const QByteArray stream = answer.sliced(end + 4);
-        QVERIFY(stream.startsWith(frame));
+        QVERIFY(stream.count(frame) > 20); // a listener comes in the middle of one
 
         if (hasTitles) {
             static const QRegularExpression form(QStringLiteral("^StreamTitle='(.+)';\\x{0}*$"));
@@ -282,7 +282,8 @@ private Q_SLOTS:
             const auto connections = exchange.server().findChildren<HttpConnection *>();
             return connections.isEmpty() ? 0 : connections.first()->unsentBytes();
         };
-        QTRY_COMPARE_WITH_TIMEOUT(unsent(), StreamOutlet::maxUnsentBytes, 20'000);
+        QTRY_VERIFY_WITH_TIMEOUT(unsent() >= StreamOutlet::maxUnsentBytes, 20'000);
+        QCOMPARE_LT(unsent(), 2 * StreamOutlet::maxUnsentBytes);
     }
 
     void byteLoopsStartAmidAFrame()
