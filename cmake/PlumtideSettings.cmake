@@ -22,12 +22,10 @@ if(PLUMTIDE_SANITIZE)
     target_compile_options(plumtide_settings INTERFACE ${sanitize})
     target_link_options(plumtide_settings INTERFACE ${sanitize})
 endif()
-if(PLUMTIDE_QT)
-    # Text reaches Qt by explicit conversion only, and connections go to members, never to names.
-    target_compile_definitions(plumtide_settings INTERFACE
-        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
-        QT_NO_FOREACH QT_NO_KEYWORDS QT_STRICT_ITERATORS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
-endif()
+# Text reaches Qt by explicit conversion only, and connections go to members, never to names.
+target_compile_definitions(plumtide_settings INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+    QT_NO_FOREACH QT_NO_KEYWORDS QT_STRICT_ITERATORS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 
 # plumtide_library(NAME SOURCES... [LINKS...]): the static library of one folder.
 function(plumtide_library name)

@@ -53,7 +53,7 @@ INTERACTIVE = {"button", "toggle button", "check box", "radio button", "menu ite
 
 
 def restart_in_private():
-    """Runs this script again, on a session bus and a display that nobody else has."""
+    """Runs this script again, on a session bus and a display of its own."""
     with tempfile.TemporaryDirectory() as home:
         os.mkdir(os.path.join(home, "Music"))
         environment = {"PATH": os.environ["PATH"], "HOME": home, "XDG_CONFIG_HOME": home, "XDG_STATE_HOME": home,

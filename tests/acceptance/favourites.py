@@ -1,5 +1,7 @@
 #!/usr/bin/python3
-"""What the built program leaves of the favourites when it ends, in whatever way: favourites.py PROGRAM [KILLS]"""
+"""What the built program leaves of the favourites when it ends, in whatever way: favourites.py PROGRAM [KILLS]
+KILL_SEED repeats the moments of an earlier run, which has printed it."""
+import os
 import random
 import signal
 import stat
@@ -10,6 +12,7 @@ import unittest
 from program import SAVED, ProgramTest, archive, records
 
 KILLS = int(sys.argv[2]) if len(sys.argv) > 2 else 12
+SEED = os.environ.get("KILL_SEED") or str(random.randrange(2**32))
 
 
 class Favourites(ProgramTest):
@@ -48,13 +51,15 @@ class Favourites(ProgramTest):
         process.communicate()
         new = self.file.read_bytes()
         self.assertEqual([station["name"] for station in records(new)], names)
+        print(f"KILL_SEED={SEED}", flush=True)
+        moments = random.Random(SEED)
         for _ in range(KILLS):
             for leftover in self.folder.iterdir():
                 leftover.unlink()
             self.file.write_bytes(old)
             process = self.start()
             process.terminate()
-            time.sleep(random.uniform(0, 0.06))
+            time.sleep(moments.uniform(0, 0.06))
             process.kill()
             process.wait()
             self.assertIn(self.file.read_bytes(), (old, new))

@@ -46,7 +46,7 @@ def records(data):
 
 class ProgramTest(unittest.TestCase):
     def setUp(self):
-        # What is waited for in vain is named, before the whole run is ended without a word.
+        # A wait that never ends shows where it is, before ctest ends the whole script without a word.
         faulthandler.dump_traceback_later(100, exit=True)
         self.addCleanup(faulthandler.cancel_dump_traceback_later)
         self.home = tempfile.TemporaryDirectory()
@@ -57,7 +57,7 @@ class ProgramTest(unittest.TestCase):
 
     def launch(self, *arguments, **environment):
         home = self.home.name
-        # A program that ends while it opens libmpv leaves what that has begun with, which is no leak of ours.
+        # A program that ends while it opens libmpv leaves memory behind; that is no leak of ours.
         # Nobody listens on port 1: the directory's answer is an error at once, and the event loop is running.
         process = subprocess.Popen([PROGRAM, *arguments], stderr=subprocess.PIPE, text=True, env={
             "PATH": os.environ["PATH"], "HOME": home, "XDG_CONFIG_HOME": home, "XDG_STATE_HOME": home,
@@ -112,4 +112,4 @@ class ProgramTest(unittest.TestCase):
         deadline = time.monotonic() + 20
         while not condition():
             self.assertLess(time.monotonic(), deadline)
-            time.sleep(0.02)
+            time.sleep(0.005)

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""How the built program is reached once its window is closed, and how two of them get on: shell.py PROGRAM LOCALRADIO"""
+"""How the built program is reached once its window is closed, and how two of them share a home:
+shell.py PROGRAM LOCALRADIO"""
 import json
 import pathlib
 import signal
@@ -79,7 +80,7 @@ class Shell(ProgramTest):
         self.wait_for(first, "no answer from the directory")
         self.end(first, SAVED)
 
-    def test_those_who_do_not_answer(self):
+    def test_program_and_bus_that_do_not_answer(self):
         bus = self.start_bus()
         process = self.start(**bus)
         process.send_signal(signal.SIGSTOP)
@@ -109,7 +110,7 @@ class Shell(ProgramTest):
         self.assertTrue(stray.exists())
         self.assertEqual(len(list(self.folder.glob("plumtide.data*"))), 2)
 
-        # Who came second stays second.
+        # The second program does not take over from the first.
         second = self.start()
         self.end(first, SAVED)
         saved = self.file.read_bytes()
@@ -117,7 +118,7 @@ class Shell(ProgramTest):
         self.end(second, NOT_SAVED)
         self.assertEqual(self.file.read_bytes(), saved)
 
-        # Who is killed leaves nothing claimed.
+        # A killed program leaves no claim on the file.
         first = self.start()
         first.kill()
         first.wait()

@@ -81,7 +81,7 @@ void TestPrivateStations::requestsCarryHeaders_data()
     QTest::newRow("no credentials") << 0 << QString();
 }
 
-/// The player's and those of a look alike: the station is a playlist by the name of none.
+/// Both those of the player and those of the resolver: the station is a playlist whose name does not tell.
 void TestPrivateStations::requestsCarryHeaders()
 {
     ScriptedServer server;
@@ -107,7 +107,7 @@ void TestPrivateStations::requestsCarryHeaders()
     }
 }
 
-/// To whom a redirect leads, at the start and when the player takes up a lost connection.
+/// Servers that a redirect leads to, at the start and when the player takes up a lost connection.
 void TestPrivateStations::othersGetNoHeaders()
 {
     ScriptedServer elsewhere;
@@ -139,11 +139,11 @@ void TestPrivateStations::refusedCredentialsFail()
     server.script("/sound", "HTTP/1.0 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n\r\nNo");
     play(server, u"/sound"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
-    // FFmpeg's, its second one once it knows the method, and the look's.
+    // Two of FFmpeg's, the second once it knows the method, and one of the resolver's.
     QCOMPARE_LE(server.requests().size(), 3);
 }
 
-/// A server that cannot show who it is is heard, but learns no credentials.
+/// A server without a trusted certificate is played, but is sent no credentials.
 void TestPrivateStations::certificatesAreVerified()
 {
     const EncryptedServer server(burst_, EncryptedServer::After::StayOpen);

@@ -56,7 +56,7 @@ public:
     QString asked;
 };
 
-/// A program that somebody else has started.
+/// The connection of another program.
 QDBusConnection otherConnection()
 {
     return QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
@@ -228,7 +228,7 @@ void TestShell::reachedOverTheBus()
         QTRY_COMPARE(commands.size(), 3);
         QVERIFY((commands == QList{RemoteCommand::Stop, RemoteCommand::PlayPause, RemoteCommand::Quit}));
     }
-    // The name is free again, and what has it without our interface is no Plumtide that answers.
+    // The name is free again. A program that owns it without our interface does not answer.
     QTRY_VERIFY(other.registerService(name));
     SingleInstance second;
     QVERIFY(second.begin() == SingleInstance::Outcome::Unanswered);
@@ -293,7 +293,7 @@ void TestShell::lookFollowsTheDesktop()
         look.setAppearance(Appearance::Desktop);
         QVERIFY(isDark());
     }
-    // The next start knows at once, until this desktop says nothing.
+    // The next start begins dark, until it turns out that this desktop has no portal.
     applyLook(*qApp);
     {
         StateFile state;
@@ -306,7 +306,7 @@ void TestShell::lookFollowsTheDesktop()
     DesktopLook look(*qApp, state);
     look.watchDesktop(QDBusConnection(u"looking"_s));
     QTRY_VERIFY(isDark());
-    // Once more each time, because the bus may not know yet who listens.
+    // Sent again on each attempt, because the bus may not have the subscription yet.
     const auto tell = [&portal, &group](const QString &key) {
         Q_EMIT portal.SettingChanged(group, key, QDBusVariant(DesktopLook::PreferLight));
         return true;

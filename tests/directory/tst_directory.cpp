@@ -2,6 +2,7 @@
 #include "base/displaytext.h"
 #include "base/leadinginteger.h"
 #include "directory/keyed/stationdirectory.h"
+#include "directory/keyed/tuneinaddress.h"
 #include "http/address.h"
 #include "http/jsonfecther.h"
 #include "support/scriptedserver.h"

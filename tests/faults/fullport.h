@@ -22,7 +22,7 @@ public:
         isFull_ = ::bind(sockets_[0], where, size) == 0 && ::listen(sockets_[0], 0) == 0 &&
                   ::getsockname(sockets_[0], where, &size) == 0;
         port_ = ntohs(address.sin_port);
-        // One is let in beyond a queue of none; the second is on its way for ever.
+        // A queue of length 0 takes one connection; a second one stays in progress for ever.
         isFull_ = isFull_ && ::connect(sockets_[1], where, size) == 0 &&
                   ::connect(sockets_[2], where, size) != 0 && errno == EINPROGRESS;
     }
@@ -34,7 +34,7 @@ public:
     }
     Q_DISABLE_COPY_MOVE(FullPort)
 
-    /// Whether that could be brought about.
+    /// Whether the queue could be filled.
     bool isFull() const { return isFull_; }
     /// On the loopback interface.
     quint16 port() const { return port_; }

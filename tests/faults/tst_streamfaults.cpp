@@ -37,7 +37,7 @@ constexpr int longStartTime = 30;
 const QByteArray answerHead = "HTTP/1.0 200 OK\r\n\r\n";
 const QByteArray note = answerHead + "Closed for the night";
 
-/// A file that would play, and whether somebody has opened it.
+/// A file that would play, and whether it has been opened.
 class WatchedSound
 {
 public:
@@ -72,8 +72,8 @@ private:
 };
 } // namespace
 
-/// What servers and playlists do that they should not, one after the other in the same window. Whatever it
-/// is, it takes no more memory than it may, and the next station plays.
+/// Faults of servers and playlists, one after the other in the same window. None takes more memory than
+/// allowed, and after each the next station plays.
 class TestStreamFaults : public QObject
 {
     Q_OBJECT
@@ -122,7 +122,7 @@ void TestStreamFaults::initTestCase()
     sound_ = std::make_unique<WatchedSound>(answer.mid(answer.indexOf("\r\n\r\n") + 4));
     QVERIFY(sound_->isWatched());
     QVERIFY(full_.isFull());
-    // What is made once is no fault's memory.
+    // What is allocated once only counts for no fault.
     stage_ = std::make_unique<Stage>(directory_.address());
     play("STREAM", startTime);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
@@ -404,7 +404,7 @@ void TestStreamFaults::closedServersEnd_data()
     QTest::newRow("sound, then a note") << note;
 }
 
-/// Servers that close the connection while they play, and what they answer to those who come back.
+/// Servers that close the connection while they play, and answer the next request otherwise.
 void TestStreamFaults::closedServersEnd()
 {
     QFETCH(QByteArray, next);

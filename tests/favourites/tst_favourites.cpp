@@ -66,7 +66,7 @@ QVariantList values(const StationRecord &record)
     return all;
 }
 
-/// Root may do everything: `action` runs as somebody who may not, and who owns the files below `home`.
+/// Root is refused nothing: `action` runs as a plain user, who owns the files below `home`.
 void asPlainUser(const QString &home, const std::function<void()> &action)
 {
     if (::geteuid() != 0) {
@@ -240,7 +240,7 @@ void TestFavourites::records()
     is(1, u"password"_s, u"bytes"_s, u"b'\\x00x'"_s);
     QVERIFY(stations[1][u"treble"_s].isNull());
 
-    // What an archive cannot hold costs that text only.
+    // A text that an archive cannot hold is cut or replaced; the others stay.
     odd->setName(u"a\0b"_s + QChar(0xD800));
     odd->setGenre(u"?"_s);
     odd->setMid(QString(QChar(0xD800)));
@@ -348,7 +348,7 @@ void TestFavourites::firstSave()
     QVERIFY(contents(file_ + u'~').contains("two"));
     QCOMPARE(logged, QStringList());
 
-    // Unless others can read it.
+    // Unless other users can read it.
     QVERIFY(QFile::setPermissions(file_, QFile::permissions(file_) | QFile::ReadOther));
     QVERIFY(store_->saveDataToStorageFolder(folderName, fileName, *stations));
     for (const QString &name : names()) {

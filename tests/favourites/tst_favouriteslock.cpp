@@ -26,7 +26,7 @@ bool save(FavouritesStore &store, const QString &name)
 }
 } // namespace
 
-/// Several stores stand for as many programs: the lock does not tell them apart.
+/// Several stores stand for as many programs: to the lock they are the same.
 class TestFavouritesLock : public QObject
 {
     Q_OBJECT

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-// What libFuzzer calls, by the names that it calls it by.
+// The functions that libFuzzer calls, under the names that it expects.
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {

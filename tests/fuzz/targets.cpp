@@ -18,11 +18,11 @@
 #include <optional>
 
 namespace {
-/// Says which promise is broken, and ends the process, so that the fuzzer keeps the input.
+/// Ends the process where the condition does not hold, so that the fuzzer keeps the input.
 void require(bool holds, int line = __builtin_LINE())
 {
     if (!holds) {
-        std::fprintf(stderr, "SUMMARY: a promise is broken in line %d\n", line);
+        std::fprintf(stderr, "SUMMARY: the condition fails in line %d\n", line);
         std::abort();
     }
 }

@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <array>
 
-/// What is fuzzed: each takes bytes as they may come from outside, gives them to the code that has to bear
-/// them, and ends the process where that breaks a promise of its own.
+/// What is fuzzed: each gives bytes as they may come from outside to the code that reads them, and ends the
+/// process where that code breaks one of its guarantees.
 struct FuzzTarget
 {
     /// Also of the folder of its seeds.

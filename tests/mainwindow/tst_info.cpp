@@ -1,21 +1,15 @@
-#include "app/program.h"
 #include "base/displaytext.h"
-#include "settings/statefile.h"
-#include "support/fakebackend.h"
+#include "support/windowstage.h"
 #include "ui/panels/historypopover.h"
-#include "ui/table/rvtableview.h"
 
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QFile>
 #include <QFileDialog>
-#include <QLabel>
 #include <QProgressBar>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QToolButton>
 #include <array>
 #include <functional>
@@ -25,21 +19,19 @@ using namespace Qt::StringLiterals;
 namespace {
 const QString endless = QString(4000, u'W');
 
-/// The real window on a fake backend, before a directory that does not answer.
-struct Stage
+/// The window, with what is heard set by the test.
+struct InfoWindow : WindowStage
 {
-    Stage()
-        : program({.baseAddress = u"http://127.0.0.1:1/"_s, .tuneInBaseAddress = u"http://127.0.0.1:1"_s},
-                  backend, state)
+    InfoWindow()
+        : WindowStage({}, Start::Next)
+        , active(QTest::qWaitForWindowActive(window))
     {
-        window.show();
-        active = QTest::qWaitForWindowActive(&window);
     }
 
     template <class T = QWidget>
     T *find(const char *name)
     {
-        return window.findChild<T *>(QLatin1StringView(name));
+        return window->findChild<T *>(QLatin1StringView(name));
     }
     QString text(const char *name)
     {
@@ -65,17 +57,13 @@ struct Stage
         }
         return texts;
     }
-    void play(const QString &station) { program.session.playback().playRadioFromURL(u"x"_s, station); }
+    void play(const QString &station) { program->session.playback().playRadioFromURL(u"x"_s, station); }
     void hear(const QString &title, int buffered = 0)
     {
         backend.heard.setInfo({.title = title, .codec = u"MP3"_s, .bitrate = 128, .buffered = buffered});
     }
     void hearNothing() { backend.heard.setInfo({}); }
 
-    FakeBackend backend;
-    StateFile state;
-    Program program;
-    MainWindow &window = program.window;
     bool active;
 };
 } // namespace
@@ -141,7 +129,7 @@ void TestInfo::areaShowsWhatIsHeard_data()
 
 void TestInfo::areaShowsWhatIsHeard()
 {
-    Stage stage;
+    InfoWindow stage;
     const auto shown = [&stage] {
         return QStringList{stage.text("nowPlayingLabel"), stage.text("formatLabel"),
                            stage.text("bufferLabel")};
@@ -180,7 +168,7 @@ void TestInfo::areaShowsWhatIsHeard()
 
 void TestInfo::narrowAreaGivesWay()
 {
-    Stage stage;
+    InfoWindow stage;
     stage.hear(endless);
     struct Width
     {
@@ -190,21 +178,21 @@ void TestInfo::narrowAreaGivesWay()
     };
     for (const auto [window, area, bar] : {Width{2500, true, true}, Width{1180, true, true},
                                            Width{900, true, false}, Width{640, false, false}}) {
-        stage.window.resize(window, 560);
+        stage.window->resize(window, 560);
         QTRY_COMPARE(stage.find("myToolbarBox")->width(), window - 32);
         QTRY_COMPARE(stage.find("infoView")->isVisible(), area);
         QTRY_COMPARE(stage.showsBar(), bar);
         QVERIFY(!area || stage.find("infoView")->width() <= stage.find("playerStatusString")->width());
         QTRY_VERIFY(stage.find("playerStatusString")->width() >= 120);
         stage.find<QAction>("recentTitlesAction")->trigger();
-        QVERIFY(stage.window.rect().contains(stage.popover().geometry()));
+        QVERIFY(stage.window->rect().contains(stage.popover().geometry()));
         stage.popover().close();
     }
 }
 
 void TestInfo::titlesEnterTheHistory()
 {
-    Stage stage;
+    InfoWindow stage;
     // One that nothing follows is entered at once when the sound ends, and under the station that it was
     // heard on.
     stage.play(u"first\nstation"_s);
@@ -232,12 +220,12 @@ void TestInfo::titlesEnterTheHistory()
 
 void TestInfo::popoverOpensAndCloses()
 {
-    Stage stage;
+    InfoWindow stage;
     QVERIFY(stage.active);
     const std::pair<const char *, std::function<void()>> ways[] = {
         {"button", [&] { QTest::mouseClick(stage.find("historyButton"), Qt::LeftButton); }},
         {"area", [&] { QTest::mouseClick(stage.find("infoView"), Qt::LeftButton); }},
-        {"keys", [&] { QTest::keyClick(&stage.window, Qt::Key_H, Qt::ControlModifier); }},
+        {"keys", [&] { QTest::keyClick(stage.window, Qt::Key_H, Qt::ControlModifier); }},
     };
     for (const auto &[name, toggle] : ways) {
         toggle();
@@ -251,7 +239,7 @@ void TestInfo::popoverOpensAndCloses()
 
 void TestInfo::titlesAreCopied()
 {
-    Stage stage;
+    InfoWindow stage;
     for (const QString &title : {u"one"_s, u"two"_s, u"three"_s}) {
         stage.hear(title);
         stage.hearNothing();
@@ -276,7 +264,7 @@ void TestInfo::titlesAreCopied()
 
 void TestInfo::titlesAreSaved()
 {
-    Stage stage;
+    InfoWindow stage;
     stage.play(u"station"_s);
     stage.hear(u"=A \"B\""_s);
     stage.hearNothing();
@@ -284,11 +272,11 @@ void TestInfo::titlesAreSaved()
     QTemporaryDir folder;
     const auto saveAs = [&stage](const QString &path) {
         stage.find<QAbstractButton>("saveCsvButton")->click();
-        auto *dialog = stage.window.findChild<QFileDialog *>();
+        auto *dialog = stage.window->findChild<QFileDialog *>();
         QVERIFY(QFileInfo(dialog->selectedFiles().value(0)).fileName().endsWith(u".csv"_s));
         Q_EMIT dialog->fileSelected(path);
         dialog->close();
-        QTRY_VERIFY(stage.window.findChild<QFileDialog *>() == nullptr);
+        QTRY_VERIFY(stage.window->findChild<QFileDialog *>() == nullptr);
     };
     const QString path = folder.filePath(u"titles.csv"_s);
     saveAs(path);

@@ -29,9 +29,9 @@ const QByteArray answer = R"(<stationlist><tunein base="/tune.pls"/>
 <station name="&lt;b&gt;&#10;Z" id="3" br="1000" mt="AUDIO/MPEG" genre="Rock &amp; Roll"/>
 <station id="4" lc="100" br="x" mt="audio/aac"/></stationlist>)";
 
-struct Stage : WindowStage
+struct TableWindow : WindowStage
 {
-    Stage()
+    TableWindow()
         : WindowStage(answer)
     {
     }
@@ -64,7 +64,7 @@ private Q_SLOTS:
 
 void TestMainWindow::startShowsTheTopStations()
 {
-    Stage stage;
+    TableWindow stage;
     QCOMPARE(stage.title(), u"idle"_s);
     QCOMPARE(stage.status(), u"Downloading data"_s);
     QVERIFY(stage.find<Spinner>(u"progress"_s)->isAnimating());
@@ -85,7 +85,7 @@ void TestMainWindow::startShowsTheTopStations()
 
 void TestMainWindow::cellsShowTheEntries()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     QCOMPARE(stage.column(1), (QStringList{u"Station 10"_s, u"station 9"_s, u"<b> Z"_s, u""_s}));
     QCOMPARE(stage.column(3), (QStringList{u"128"_s, u"64"_s, u"1,000"_s, u"0"_s}));
@@ -123,7 +123,7 @@ void TestMainWindow::columnsSort()
 {
     QFETCH(int, section);
     QFETCH(QStringList, ascending);
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     stage.clickHeader(section);
     QCOMPARE(stage.column(1), ascending);
@@ -141,7 +141,7 @@ void TestMainWindow::columnsSort()
 
 void TestMainWindow::newAnswerComesUnsorted()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     stage.clickHeader(1);
     stage.clickHeader(0);
@@ -155,7 +155,7 @@ void TestMainWindow::newAnswerComesUnsorted()
 
 void TestMainWindow::doubleClickPlays()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     stage.doubleClick(stage.middleOf(2));
     QCOMPARE(stage.title(), u"<b> Z"_s);
@@ -173,7 +173,7 @@ void TestMainWindow::doubleClickPlays()
 
 void TestMainWindow::actionsThatHitNothing()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     QTest::ignoreMessage(QtWarningMsg, "UI getting error notified, ignored!");
     stage.doubleClick(QPoint(40, stage.table()->viewport()->height() - 4));
@@ -191,7 +191,7 @@ void TestMainWindow::actionsThatHitNothing()
 
 void TestMainWindow::emptyListCannotBePlayed()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     stage.doubleClick(stage.middleOf(0));
     QTRY_VERIFY(stage.backend.player != nullptr);
@@ -206,7 +206,7 @@ void TestMainWindow::emptyListCannotBePlayed()
 
 void TestMainWindow::searchFieldAsksTheDirectory()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.status(), u"Download Complete"_s);
     auto *field = stage.find<QLineEdit>(u"searchField"_s);
     QTest::keyClick(field, Qt::Key_Return);
@@ -219,7 +219,7 @@ void TestMainWindow::searchFieldAsksTheDirectory()
 
 void TestMainWindow::genresAskTheDirectory()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.status(), u"Download Complete"_s);
     const QByteArray search = "/legacy/stationsearch?k=Rk4TnW8pLq2ZbX7m&search=";
     const QByteArray top = "/legacy/Top500/?k=Rk4TnW8pLq2ZbX7m";
@@ -251,7 +251,7 @@ void TestMainWindow::genresAskTheDirectory()
 
 void TestMainWindow::transportCommands()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     auto *play = stage.find<QToolButton>(u"transportPlayButton"_s);
     auto *stop = stage.find<QToolButton>(u"transportStopButton"_s);
@@ -290,7 +290,7 @@ void TestMainWindow::transportCommands()
 
 void TestMainWindow::keysGoWhereTheyAreMeant()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     QVERIFY(QTest::qWaitForWindowActive(stage.window));
     const QSignalSpy playPause(stage.find<QAction>(u"spaceKeyAction"_s), &QAction::triggered);
@@ -331,7 +331,7 @@ void TestMainWindow::keysGoWhereTheyAreMeant()
 void TestMainWindow::cellsThatAreHeldFollowTheTable()
 {
     installTableAccessibility();
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     QAccessibleInterface *table = QAccessible::queryAccessibleInterface(stage.table());
     QAccessibleInterface *cell = table->tableInterface()->cellAt(1, 3);
@@ -355,7 +355,7 @@ void TestMainWindow::cellsThatAreHeldFollowTheTable()
 
 void TestMainWindow::storedSettingsAreRead()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.server.requests().size(), 1);
     QVERIFY(!stage.server.targets().constFirst().contains("limit"));
     {
@@ -387,7 +387,7 @@ void TestMainWindow::starLevels()
 
 void TestMainWindow::closingTheWindow()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     auto closing = MainWindow::Closing::Minimises;
     stage.window->setClosing([&] { return closing; });
@@ -406,7 +406,7 @@ void TestMainWindow::closingTheWindow()
 
 void TestMainWindow::about()
 {
-    Stage stage;
+    TableWindow stage;
     QTRY_COMPARE(stage.table()->model()->rowCount(), 4);
     const auto window = [] {
         const auto all = QApplication::topLevelWidgets();

@@ -1,18 +1,12 @@
-#include "app/program.h"
 #include "playback/keypath.h"
-#include "settings/statefile.h"
-#include "support/fakebackend.h"
-#include "ui/table/rvtableview.h"
+#include "support/windowstage.h"
 #include "ui/widgets/popover.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QSlider>
-#include <QTest>
 #include <QToolButton>
 #include <QWheelEvent>
 #include <functional>
@@ -20,27 +14,24 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-/// The real window on a fake backend, before a directory that does not answer.
-struct Stage
+struct SoundWindow : WindowStage
 {
-    Stage()
-        : program({.baseAddress = u"http://127.0.0.1:1/"_s, .tuneInBaseAddress = u"http://127.0.0.1:1"_s},
-                  backend, state)
+    SoundWindow()
+        : WindowStage({}, Start::Next)
+        , active(QTest::qWaitForWindowActive(window))
     {
-        window.show();
-        active = QTest::qWaitForWindowActive(&window);
     }
 
     template <class T = QWidget>
     T *find(const QString &name)
     {
-        return window.findChild<T *>(name);
+        return window->findChild<T *>(name);
     }
     Popover &popover() { return *find<Popover>(u"audioPopOver"_s); }
     void press(const QString &button) { find<QAbstractButton>(button)->click(); }
     bool play()
     {
-        program.session.playback().playRadioFromURL(u"http://h/"_s, u"x"_s);
+        program->session.playback().playRadioFromURL(u"http://h/"_s, u"x"_s);
         const auto players = backend.journal.lines().count(u"player"_s);
         return QTest::qWaitFor([=, this] { return backend.journal.lines().count(u"player"_s) > players; });
     }
@@ -52,10 +43,6 @@ struct Stage
         QCoreApplication::sendEvent(button, &event);
     }
 
-    FakeBackend backend;
-    StateFile state;
-    Program program;
-    MainWindow &window = program.window;
     bool active;
 };
 } // namespace
@@ -81,17 +68,17 @@ private Q_SLOTS:
 
 void TestSoundBinding::popoverOpensInsideTheWindow()
 {
-    Stage stage;
+    SoundWindow stage;
     QVERIFY(stage.active);
     QWidget *focus = QApplication::focusWidget();
     for (QWidget *sender : {stage.find(u"audioButton"_s), static_cast<QWidget *>(nullptr)}) {
-        for (const QSize &size : {stage.window.size(), stage.window.minimumSize()}) {
-            stage.window.resize(size);
-            stage.window.player().audioButtonAction(sender);
+        for (const QSize &size : {stage.window->size(), stage.window->minimumSize()}) {
+            stage.window->resize(size);
+            stage.window->player().audioButtonAction(sender);
             QVERIFY(stage.popover().isShown());
             QVERIFY(stage.popover().isAncestorOf(QApplication::focusWidget()));
-            QVERIFY(stage.window.rect().contains(stage.popover().geometry()));
-            stage.window.player().audioButtonAction(sender);
+            QVERIFY(stage.window->rect().contains(stage.popover().geometry()));
+            stage.window->player().audioButtonAction(sender);
             QVERIFY(!stage.popover().isShown());
             QCOMPARE(QApplication::focusWidget(), focus);
         }
@@ -101,11 +88,11 @@ void TestSoundBinding::popoverOpensInsideTheWindow()
 /// Open over a new start and over what happens elsewhere in the window; closed by Esc and every tear-down.
 void TestSoundBinding::popoverStaysAndCloses()
 {
-    Stage stage;
+    SoundWindow stage;
     const std::pair<const char *, std::function<void()>> ends[] = {
-        {"Esc", [&] { QTest::keyClick(&stage.window, Qt::Key_Escape); }},
+        {"Esc", [&] { QTest::keyClick(stage.window, Qt::Key_Escape); }},
         {"stop", [&] { stage.press(u"transportStopButton"_s); }},
-        {"time-out", [&] { stage.program.session.playback().timerDone(); }},
+        {"time-out", [&] { stage.program->session.playback().timerDone(); }},
         {"full", [&] { stage.backend.player->item().report(KeyPath::playbackBufferFull); }},
         {"lost", [&] { stage.backend.player->item().report(KeyPath::playbackBufferEmpty); }},
     };
@@ -123,7 +110,7 @@ void TestSoundBinding::popoverStaysAndCloses()
 
 void TestSoundBinding::controlsSetTheSound()
 {
-    Stage stage;
+    SoundWindow stage;
     QVERIFY(stage.active);
     stage.press(u"audioButton"_s);
     QCOMPARE(stage.backend.sound, SoundSettings());
@@ -131,7 +118,7 @@ void TestSoundBinding::controlsSetTheSound()
         return [=, &stage] { QTest::keyClick(stage.find(QLatin1StringView(slider)), key); };
     };
     const auto control = [&](Qt::Key key) {
-        return [=, &stage] { QTest::keyClick(&stage.window, key, Qt::ControlModifier); };
+        return [=, &stage] { QTest::keyClick(stage.window, key, Qt::ControlModifier); };
     };
     const auto wheel = [&](int turn) { return [=, &stage] { stage.turnWheel(turn); }; };
     const auto press = [&](const char *button) {
@@ -187,7 +174,7 @@ void TestSoundBinding::windowsRememberTheSound()
 {
     const SoundSettings sound{.volume = 45, .muted = true, .bass = 3, .middle = -4, .treble = 12};
     {
-        Stage stage;
+        SoundWindow stage;
         stage.press(u"audioButton"_s);
         stage.find<QSlider>(u"volumeSlider"_s)->setValue(sound.volume);
         stage.find<QSlider>(u"bassSlider"_s)->setValue(sound.bass);
@@ -196,7 +183,7 @@ void TestSoundBinding::windowsRememberTheSound()
         stage.press(u"muteButton"_s);
     }
     QVERIFY(QFile::exists(StateFile::path()));
-    QCOMPARE(Stage().backend.sound, sound);
+    QCOMPARE(SoundWindow().backend.sound, sound);
     const QSettings settings(QSettings::NativeFormat, QSettings::UserScope, u"plumtide"_s, u"plumtide"_s);
     QCOMPARE(settings.allKeys(), QStringList());
 }
@@ -224,7 +211,7 @@ void TestSoundBinding::storedNonsenseIsHarmless()
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("[sound]\nvolume=" + stored.toUtf8() + "\nbass=" + stored.toUtf8() + "\n");
     }
-    QCOMPARE(Stage().backend.sound, (SoundSettings{.volume = volume, .bass = bass}));
+    QCOMPARE(SoundWindow().backend.sound, (SoundSettings{.volume = volume, .bass = bass}));
 }
 
 void TestSoundBinding::unwritableFolderCostsALine()
@@ -234,7 +221,7 @@ void TestSoundBinding::unwritableFolderCostsALine()
     qputenv("XDG_STATE_HOME", QCoreApplication::applicationFilePath().toUtf8());
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^cannot write .*state.conf$"_s));
     {
-        Stage stage;
+        SoundWindow stage;
         stage.press(u"audioButton"_s);
         stage.press(u"muteButton"_s);
     }

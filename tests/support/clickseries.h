@@ -5,8 +5,9 @@
 #include <QMouseEvent>
 #include <QWidget>
 
-/// What Qt sends to `view` for presses of `button` after these pauses in milliseconds, of which 100
-/// go on with a series: every second press of one is a double click. The accepted events are counted.
+/// Sends `view` what Qt sends for presses of `button` after these pauses in milliseconds, of which 100
+/// go on with a series: every second press of one is a double click. Gives the number of events that were
+/// accepted.
 inline int clickSeries(QWidget &view, const QList<quint64> &pauses, Qt::MouseButton button = Qt::LeftButton)
 {
     // Later than any series before it.

@@ -5,7 +5,8 @@
 QStringList Journal::lines() const
 {
     const std::scoped_lock lock(mutex_);
-    return lines_;
+    // A copy that shares nothing: the other thread would not see when it is let go.
+    return {lines_.cbegin(), lines_.cend()};
 }
 
 void Journal::write(const QString &line)

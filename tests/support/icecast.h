@@ -5,8 +5,7 @@
 #include <QTemporaryDir>
 #include <memory>
 
-/// A stream server of the real world, with sources that send it a tone each; for as long as this object
-/// lives.
+/// An Icecast server with sources that send it a tone each; for as long as this object lives.
 class Icecast
 {
 public:

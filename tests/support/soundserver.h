@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <vector>
 
-/// A sound server of the test's own, with one sink that nobody hears. Programs and libraries of this process
+/// A sound server of the test's own, with one null sink. Programs and libraries of this process
 /// find it by PULSE_SERVER, which this sets.
 class SoundServer
 {

@@ -37,10 +37,10 @@ struct Recorder : RackView::Delegate
     QString pressed;
 };
 
-/// A rack of 400 stations of which a few are seen.
-struct Stage
+/// A rack of 400 stations, of which a few are in view.
+struct LongRack
 {
-    Stage()
+    LongRack()
     {
         for (int i = 0; i < 400; ++i) {
             rack.addObject(named(u"Station %1"_s.arg(i)));
@@ -84,75 +84,75 @@ private Q_SLOTS:
 
 void TestAccessibility::rackIsAListOfAllStations()
 {
-    Stage stage;
-    stage.rack.setSelectionIndexes({399});
-    const QAccessibleInterface *list = stage.list();
+    LongRack fixture;
+    fixture.rack.setSelectionIndexes({399});
+    const QAccessibleInterface *list = fixture.list();
     QCOMPARE(list->role(), QAccessible::List);
     QCOMPARE(list->childCount(), 400);
     const QAccessibleInterface *last = list->child(399);
     QCOMPARE(last->role(), QAccessible::ListItem);
-    QCOMPARE(Stage::nameOf(last), u"Station 399"_s);
+    QCOMPARE(LongRack::nameOf(last), u"Station 399"_s);
     QVERIFY(last->state().offscreen && last->state().selected && last->childCount() == 0);
-    QVERIFY(stage.view->viewport()->findChildren<RackItem *>().size() < 20);
+    QVERIFY(fixture.view->viewport()->findChildren<RackItem *>().size() < 20);
 
     const QAccessibleInterface *first = list->child(0);
     QVERIFY(!first->state().offscreen && !first->state().selected);
-    QCOMPARE(Stage::nameOf(first->child(1)), u"Play Station 0"_s);
+    QCOMPARE(LongRack::nameOf(first->child(1)), u"Play Station 0"_s);
     QCOMPARE(first->child(1)->parent(), first);
     const QPoint middle = first->rect().center();
     QCOMPARE(list->childAt(middle.x(), middle.y()), first);
     QCOMPARE(list->indexOfChild(last), 399);
 }
 
-/// Whoever holds one finds the same station behind it wherever it goes, and nothing once it is gone.
+/// A child that is held stands for the same station wherever that is moved, and for none once it is removed.
 void TestAccessibility::childrenStandForStations()
 {
-    Stage stage;
-    const QAccessible::Id kept = stage.idOf(3);
-    const QAccessible::Id gone = stage.idOf(1);
-    stage.rack.removeObjectAtArrangedObjectIndex(1);
-    stage.rack.insertObjectAtArrangedObjectIndex(named(u"New"_s), 0);
-    stage.rack.rearrangeObjects();
-    QCOMPARE(stage.idOf(3), kept);
-    QCOMPARE(Stage::nameOf(stage.list()->child(0)), u"New"_s);
+    LongRack fixture;
+    const QAccessible::Id kept = fixture.idOf(3);
+    const QAccessible::Id gone = fixture.idOf(1);
+    fixture.rack.removeObjectAtArrangedObjectIndex(1);
+    fixture.rack.insertObjectAtArrangedObjectIndex(named(u"New"_s), 0);
+    fixture.rack.rearrangeObjects();
+    QCOMPARE(fixture.idOf(3), kept);
+    QCOMPARE(LongRack::nameOf(fixture.list()->child(0)), u"New"_s);
     QVERIFY(QAccessible::accessibleInterface(gone) == nullptr);
 
-    const StationRecord moved = stage.rack.radioItemCollectionArray().at(3);
-    stage.rack.removeObjectAtArrangedObjectIndex(3);
-    stage.rack.insertObjectAtArrangedObjectIndex(moved, 200);
-    stage.rack.rearrangeObjects();
-    QCOMPARE(stage.idOf(200), kept);
+    const StationRecord moved = fixture.rack.radioItemCollectionArray().at(3);
+    fixture.rack.removeObjectAtArrangedObjectIndex(3);
+    fixture.rack.insertObjectAtArrangedObjectIndex(moved, 200);
+    fixture.rack.rearrangeObjects();
+    QCOMPARE(fixture.idOf(200), kept);
 
-    stage.rack.setRadioItemCollectionArray({});
-    // Asked before the rack's change has been seen to, as by a program that knows no better.
+    fixture.rack.setRadioItemCollectionArray({});
+    // Asked before the view has dealt with the change of the rack.
     QAccessibleInterface *held = QAccessible::accessibleInterface(kept);
     QVERIFY(held->state().invalid);
     held->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     QTRY_VERIFY(QAccessible::accessibleInterface(kept) == nullptr);
 
-    stage.rack.addObject(named(u"Other"_s));
-    stage.rack.rearrangeObjects();
-    const QAccessible::Id child = stage.idOf(0);
-    const QAccessible::Id list = QAccessible::uniqueId(stage.list());
-    stage.view.reset();
+    fixture.rack.addObject(named(u"Other"_s));
+    fixture.rack.rearrangeObjects();
+    const QAccessible::Id child = fixture.idOf(0);
+    const QAccessible::Id list = QAccessible::uniqueId(fixture.list());
+    fixture.view.reset();
     QVERIFY(QAccessible::accessibleInterface(child) == nullptr);
     QVERIFY(QAccessible::accessibleInterface(list) == nullptr);
 }
 
 void TestAccessibility::childrenAct()
 {
-    Stage stage;
-    QSignalSpy activated(stage.view.get(), &RackView::activated);
-    QAccessibleInterface *child = stage.list()->child(300);
-    Stage::act(child, QAccessibleActionInterface::pressAction());
+    LongRack fixture;
+    QSignalSpy activated(fixture.view.get(), &RackView::activated);
+    QAccessibleInterface *child = fixture.list()->child(300);
+    LongRack::act(child, QAccessibleActionInterface::pressAction());
     QCOMPARE(activated.value(0).value(0).toInt(), 300);
-    Stage::act(child, QAccessibleActionInterface::toggleAction());
-    QCOMPARE(stage.rack.selectionIndexes(), QList<qsizetype>{300});
-    Stage::act(child, u"Details"_s);
-    QCOMPARE(stage.delegate.pressed, u"Details of Station 300"_s);
-    Stage::act(stage.list()->child(301), QAccessibleActionInterface::setFocusAction());
-    QCOMPARE(stage.list()->focusChild(), stage.list()->child(301));
-    QVERIFY(stage.list()->child(301)->state().focused);
+    LongRack::act(child, QAccessibleActionInterface::toggleAction());
+    QCOMPARE(fixture.rack.selectionIndexes(), QList<qsizetype>{300});
+    LongRack::act(child, u"Details"_s);
+    QCOMPARE(fixture.delegate.pressed, u"Details of Station 300"_s);
+    LongRack::act(fixture.list()->child(301), QAccessibleActionInterface::setFocusAction());
+    QCOMPARE(fixture.list()->focusChild(), fixture.list()->child(301));
+    QVERIFY(fixture.list()->child(301)->state().focused);
 }
 
 void TestAccessibility::shortcutsAreThoseOfTheMenus()

@@ -36,7 +36,7 @@ GenreRecords genresNamed(const QStringList &names)
     return Genre::listFromJson(elements);
 }
 
-/// A picker as in the window, and whom it tells.
+/// A picker as in the window, and the names that it passes on.
 struct Picker : GenreObjectDelegate
 {
     explicit Picker(const QStringList &names = {u"Rock"_s, u"Jazz"_s, u"Música"_s, u"Hip Hop"_s,
@@ -141,7 +141,7 @@ void TestGenrePicker::elementsBecomeGenres()
         const QString name = genre->nameText().isNull() ? u"(none)"_s : genre->nameText();
         genres.append(name + u' ' + shown(genre->label()) + u' ' + shown(genre->type()) + u' ' +
                       shown(genre->stars()));
-        // Whatever stands there can be drawn.
+        // Any value can be drawn.
         GenreBox(genre).grab();
     }
     QTEST(genres, "genres");
@@ -163,7 +163,7 @@ void TestGenrePicker::resourceFillsThePicker()
     QVERIFY(names.size() > 50);
     QCOMPARE(QSet<QString>(names.cbegin(), names.cend()).size(), names.size());
     QCOMPARE(picker.grid.numberOfItems(), names.size());
-    // What is out of sight has cost nothing.
+    // There are no tiles for genres out of view.
     QVERIFY(picker.grid.itemAtIndex(0) != nullptr);
     QVERIFY(picker.grid.itemAtIndex(names.size() - 1) == nullptr);
 
@@ -196,7 +196,7 @@ void TestGenrePicker::tilesCountClicks()
 void TestGenrePicker::clickSelectsAndTells()
 {
     Picker picker({u"a"_s, u"a"_s, u"b"_s});
-    // One of the same name is another genre.
+    // Two genres of the same name are told apart.
     for (const qsizetype index : {1, 2, 2}) {
         picker.click(index);
         QCOMPARE(picker.list().selectionIndex(), index);
@@ -204,7 +204,7 @@ void TestGenrePicker::clickSelectsAndTells()
             QCOMPARE(picker.grid.itemAtIndex(other)->isSelected(), other == index);
         }
     }
-    // Inside a tile is the tile; elsewhere is none.
+    // A box inside a tile counts as the tile; one elsewhere is none of the list.
     GenreBox inside(genresNamed({u"inside"_s}).first(), picker.grid.itemAtIndex(0));
     picker.controller->boxClicked(&inside);
     GenreBox outside(genresNamed({u"outside"_s}).first());
@@ -264,7 +264,7 @@ void TestGenrePicker::keysMoveAndPick_data()
                         const QString &typed = {}, const QString &picked = {}) {
         QTest::newRow(name) << keys << current << typed << picked;
     };
-    // They begin in the filter.
+    // The focus begins in the filter.
     row("down into the tiles", {Qt::Key_Down}, 0);
     row("down and on", {Qt::Key_Down, Qt::Key_Down, Qt::Key_Enter}, 1, {}, u"Jazz"_s);
     row("to the end and not beyond", {Qt::Key_Down, Qt::Key_End, Qt::Key_Down}, 5);

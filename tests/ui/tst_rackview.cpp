@@ -45,9 +45,9 @@ struct Recorder : RackView::Delegate
 };
 
 /// Three tiles in a row, about one row and a half in view.
-struct Stage : RackView
+struct DrivenRack : RackView
 {
-    explicit Stage(int stations)
+    explicit DrivenRack(int stations)
     {
         for (int i = 0; i < stations; ++i) {
             rack.addObject(std::make_shared<RadioModel>());
@@ -108,7 +108,7 @@ private Q_SLOTS:
     void tilesFollowTheirStations();
     void mouseAndKeysSelect();
     void artworkAndButtonsKeepTheirPresses();
-    void dropsAreJudged();
+    void onlyOwnRegisteredDropsAreTaken();
 };
 
 /// Tiles of 100 x 100, three in a row, 10 between them and around; seven of them.
@@ -151,41 +151,41 @@ void TestRackView::gridFindsGapsAndSteps()
 
 void TestRackView::tilesFollowTheirStations()
 {
-    Stage stage(1000);
-    QVERIFY(stage.made() >= 6 && stage.made() <= 12 && stage.itemAtIndex(500) == nullptr);
-    stage.scrollToIndex(500);
-    QCOMPARE(stage.itemAtIndex(500)->accessibleName(), u"Station 500"_s);
-    QVERIFY(stage.sees(500) && stage.itemAtIndex(0) == nullptr && stage.made() <= 12);
+    DrivenRack view(1000);
+    QVERIFY(view.made() >= 6 && view.made() <= 12 && view.itemAtIndex(500) == nullptr);
+    view.scrollToIndex(500);
+    QCOMPARE(view.itemAtIndex(500)->accessibleName(), u"Station 500"_s);
+    QVERIFY(view.sees(500) && view.itemAtIndex(0) == nullptr && view.made() <= 12);
 
-    StationRecord station = stage.rack.radioItemCollectionArray().at(500);
-    RackItem *tile = stage.itemAtIndex(500);
-    stage.rack.setSelectionIndexes({500});
-    stage.rack.removeObjectAtArrangedObjectIndex(500);
-    stage.rack.insertObjectAtArrangedObjectIndex(station, 502);
-    stage.rack.rearrangeObjects();
-    QCOMPARE(stage.itemAtIndex(502), tile);
-    QCOMPARE(stage.currentIndex(), 502);
-    QVERIFY(tile->isSelected() && !stage.itemAtIndex(500)->isSelected());
+    StationRecord station = view.rack.radioItemCollectionArray().at(500);
+    RackItem *tile = view.itemAtIndex(500);
+    view.rack.setSelectionIndexes({500});
+    view.rack.removeObjectAtArrangedObjectIndex(500);
+    view.rack.insertObjectAtArrangedObjectIndex(station, 502);
+    view.rack.rearrangeObjects();
+    QCOMPARE(view.itemAtIndex(502), tile);
+    QCOMPARE(view.currentIndex(), 502);
+    QVERIFY(tile->isSelected() && !view.itemAtIndex(500)->isSelected());
 
     for (const auto &[stored, stars] : {std::pair<QVariant, int>{4, 4}, {99.5, 5}, {-1, 0}, {qQNaN(), 0}}) {
-        stage.rack.setValue(station, RadioField::stars, stored);
+        view.rack.setValue(station, RadioField::stars, stored);
         QCOMPARE(tile->stars()->value(), stars);
     }
-    stage.rack.setValue(station, RadioField::name, u"New\nname"_s);
+    view.rack.setValue(station, RadioField::name, u"New\nname"_s);
     QCOMPARE(tile->playButton()->accessibleName(), u"Play New name"_s);
 
-    stage.rack.setRadioItemCollectionArray({station, station});
-    QVERIFY(stage.itemAtIndex(0) != stage.itemAtIndex(1));
-    stage.rack.setRadioItemCollectionArray({});
-    // Who else knows a station without keeping it sees it go.
+    view.rack.setRadioItemCollectionArray({station, station});
+    QVERIFY(view.itemAtIndex(0) != view.itemAtIndex(1));
+    view.rack.setRadioItemCollectionArray({});
+    // The view keeps no reference to a station that has been removed.
     const std::weak_ptr<RadioModel> gone = std::exchange(station, nullptr);
-    QVERIFY(gone.expired() && stage.itemAtIndex(0) == nullptr && !tile->isVisible());
-    QCOMPARE(stage.currentIndex(), -1);
+    QVERIFY(gone.expired() && view.itemAtIndex(0) == nullptr && !tile->isVisible());
+    QCOMPARE(view.currentIndex(), -1);
 }
 
 void TestRackView::mouseAndKeysSelect()
 {
-    Stage stage(9);
+    DrivenRack view(9);
     const std::tuple<qsizetype, Qt::KeyboardModifiers, Indexes> clicks[] = {
         {1, none, {1}},
         {3, control, {1, 3}},
@@ -195,19 +195,19 @@ void TestRackView::mouseAndKeysSelect()
         {2, none, {2}},
     };
     for (const auto &[index, modifiers, selected] : clicks) {
-        QTest::mouseClick(stage.itemAtIndex(index), Qt::LeftButton, modifiers, onName);
-        QCOMPARE(stage.rack.selectionIndexes(), selected);
-        QCOMPARE(stage.currentIndex(), index);
-        QCOMPARE(stage.itemAtIndex(4)->isSelected(), selected.contains(4));
+        QTest::mouseClick(view.itemAtIndex(index), Qt::LeftButton, modifiers, onName);
+        QCOMPARE(view.rack.selectionIndexes(), selected);
+        QCOMPARE(view.currentIndex(), index);
+        QCOMPARE(view.itemAtIndex(4)->isSelected(), selected.contains(4));
     }
     QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, {}, {});
-    QContextMenuEvent rightClick(QContextMenuEvent::Mouse, stage.itemAtIndex(0)->pos() + onName, {7, 7});
-    QSignalSpy menu(&stage, &RackView::contextMenuRequested);
+    QContextMenuEvent rightClick(QContextMenuEvent::Mouse, view.itemAtIndex(0)->pos() + onName, {7, 7});
+    QSignalSpy menu(&view, &RackView::contextMenuRequested);
     for (QContextMenuEvent *event : {&menuKey, &rightClick}) {
-        QApplication::sendEvent(stage.viewport(), event);
+        QApplication::sendEvent(view.viewport(), event);
     }
     QCOMPARE(menu.value(1).value(0), QVariant(QPoint(7, 7)));
-    QCOMPARE(stage.rack.selectionIndexes(), Indexes{0});
+    QCOMPARE(view.rack.selectionIndexes(), Indexes{0});
 
     const std::tuple<Qt::Key, Qt::KeyboardModifiers, Indexes> keys[] = {
         {Qt::Key_Right, none, {1}},    {Qt::Key_Down, none, {4}},
@@ -216,62 +216,61 @@ void TestRackView::mouseAndKeysSelect()
         {Qt::Key_Down, control, {3}},  {Qt::Key_Space, control, {3, 6}},
     };
     for (const auto &[key, modifiers, selected] : keys) {
-        QTest::keyClick(&stage, key, modifiers);
-        QCOMPARE(stage.rack.selectionIndexes(), selected);
-        QVERIFY(stage.sees(stage.currentIndex()));
+        QTest::keyClick(&view, key, modifiers);
+        QCOMPARE(view.rack.selectionIndexes(), selected);
+        QVERIFY(view.sees(view.currentIndex()));
     }
-    QSignalSpy activated(&stage, &RackView::activated);
-    QTest::keyClick(&stage, Qt::Key_Return);
+    QSignalSpy activated(&view, &RackView::activated);
+    QTest::keyClick(&view, Qt::Key_Return);
     QCOMPARE(activated.value(0).value(0).toInt(), 6);
     // Tab goes on to the buttons of that tile, where Enter is theirs.
-    QTest::keyClick(&stage, Qt::Key_Tab);
-    QTest::keyClick(stage.itemAtIndex(6)->detailsButton(), Qt::Key_Return);
-    QCOMPARE(stage.delegate.calls, QStringList{u"100"_s});
-    QVERIFY(stage.itemAtIndex(6)->detailsButton()->hasFocus());
-    stage.scrollToIndex(0);
-    QTest::mouseClick(stage.viewport(), Qt::LeftButton, none, QPoint(2, 2));
-    QCOMPARE(stage.rack.selectionIndexes(), Indexes());
+    QTest::keyClick(&view, Qt::Key_Tab);
+    QTest::keyClick(view.itemAtIndex(6)->detailsButton(), Qt::Key_Return);
+    QCOMPARE(view.delegate.calls, QStringList{u"100"_s});
+    QVERIFY(view.itemAtIndex(6)->detailsButton()->hasFocus());
+    view.scrollToIndex(0);
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, none, QPoint(2, 2));
+    QCOMPARE(view.rack.selectionIndexes(), Indexes());
 }
 
 void TestRackView::artworkAndButtonsKeepTheirPresses()
 {
-    Stage stage(6);
-    RackItem *tile = stage.itemAtIndex(1);
+    DrivenRack view(6);
+    RackItem *tile = view.itemAtIndex(1);
     const auto work = [&] {
-        Stage::drag(tile->artwork(), QPoint(20, 20));
-        Stage::drag(tile->detailsButton(), QPoint(4, 4));
+        DrivenRack::drag(tile->artwork(), QPoint(20, 20));
+        DrivenRack::drag(tile->detailsButton(), QPoint(4, 4));
         QTest::mouseDClick(tile->artwork(), Qt::LeftButton);
         QTest::mouseClick(tile->playButton(), Qt::LeftButton);
     };
     work();
-    QCOMPARE(stage.rack.selectionIndexes(), Indexes());
-    stage.rack.setSelectionIndexes({0, 2});
-    Stage::drag(stage.itemAtIndex(2), onName);
-    Stage::drag(tile, onName);
-    QCOMPARE(stage.rack.selectionIndexes(), Indexes{1});
-    stage.setDelegate(nullptr);
+    QCOMPARE(view.rack.selectionIndexes(), Indexes());
+    view.rack.setSelectionIndexes({0, 2});
+    DrivenRack::drag(view.itemAtIndex(2), onName);
+    DrivenRack::drag(tile, onName);
+    QCOMPARE(view.rack.selectionIndexes(), Indexes{1});
+    view.setDelegate(nullptr);
     work();
-    QCOMPARE(stage.delegate.calls.join(u' '), u"double click 101 QList(0, 2)  QList(1) "_s);
+    QCOMPARE(view.delegate.calls.join(u' '), u"double click 101 QList(0, 2)  QList(1) "_s);
 }
 
-/// Only what this program drags is looked at, and of that only what is registered.
-void TestRackView::dropsAreJudged()
+/// Only drags that begin in this program are taken, and of those only registered types.
+void TestRackView::onlyOwnRegisteredDropsAreTaken()
 {
-    Stage stage(6);
-    const auto shown = [&] { return stage.grab().toImage(); };
+    DrivenRack view(6);
+    const auto shown = [&] { return view.grab().toImage(); };
     const QImage before = shown();
-    QVERIFY(!stage.offers(ownType, QEvent::DragEnter) && !stage.offers(ownType, QEvent::Drop));
-    stage.origin = this;
-    QVERIFY(!stage.offers(u"text/plain"_s, QEvent::DragEnter) &&
-            !stage.offers(u"text/plain"_s, QEvent::Drop));
+    QVERIFY(!view.offers(ownType, QEvent::DragEnter) && !view.offers(ownType, QEvent::Drop));
+    view.origin = this;
+    QVERIFY(!view.offers(u"text/plain"_s, QEvent::DragEnter) && !view.offers(u"text/plain"_s, QEvent::Drop));
     QCOMPARE(shown(), before);
-    QVERIFY(stage.offers(ownType, QEvent::DragEnter));
+    QVERIFY(view.offers(ownType, QEvent::DragEnter));
     QVERIFY(shown() != before);
-    QVERIFY(stage.offers(ownType, QEvent::Drop));
+    QVERIFY(view.offers(ownType, QEvent::Drop));
     QCOMPARE(shown(), before);
-    stage.delegate.taken = false;
-    QVERIFY(!stage.offers(ownType, QEvent::Drop));
-    QCOMPARE(stage.delegate.calls, (QStringList{u"drop 2"_s, u"drop 2"_s}));
+    view.delegate.taken = false;
+    QVERIFY(!view.offers(ownType, QEvent::Drop));
+    QCOMPARE(view.delegate.calls, (QStringList{u"drop 2"_s, u"drop 2"_s}));
 }
 
 QTEST_MAIN(TestRackView)

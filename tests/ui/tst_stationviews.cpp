@@ -29,10 +29,10 @@ struct CountingDelegate : RVImageView::Delegate
     int count = 0;
 };
 
-/// An open popover, and what it tells.
-struct Stage
+/// An open popover, and the edits that it signals.
+struct OpenPopover
 {
-    explicit Stage(StationPopover::Kind kind)
+    explicit OpenPopover(StationPopover::Kind kind)
         : popover(&window, kind)
     {
         record->setName(u"one\ntwo"_s);
@@ -216,8 +216,8 @@ void TestStationViews::pathsAreDropped()
 
 void TestStationViews::popoverTellsEachEdit()
 {
-    Stage stage(StationPopover::Kind::custom);
-    QVERIFY(stage.window.rect().contains(stage.popover.geometry()));
+    OpenPopover fixture(StationPopover::Kind::custom);
+    QVERIFY(fixture.window.rect().contains(fixture.popover.geometry()));
     const std::pair<const char *, RadioField> lines[] = {
         {"nameField", RadioField::name},         {"imageFilePathField", RadioField::imageFilePath},
         {"urlField", RadioField::url},           {"schemeField", RadioField::radioscheme},
@@ -226,48 +226,48 @@ void TestStationViews::popoverTellsEachEdit()
     };
     QList<QVariantList> wanted;
     for (const auto &[name, field] : lines) {
-        auto *line = stage.find<QLineEdit>(name);
+        auto *line = fixture.find<QLineEdit>(name);
         wanted.append({QVariant::fromValue(field), u'x' + line->text()});
         QTest::keyClick(line, 'x');
     }
-    stage.find<QSlider>("starsField")->setValue(5);
+    fixture.find<QSlider>("starsField")->setValue(5);
     wanted.append({QVariant::fromValue(RadioField::stars), qlonglong{5}});
-    stage.find<QAbstractButton>("privateSwitch")->click();
+    fixture.find<QAbstractButton>("privateSwitch")->click();
     wanted.append({QVariant::fromValue(RadioField::radioIsPrivate), true});
-    stage.find<QAbstractButton>("defaultButton")->click();
+    fixture.find<QAbstractButton>("defaultButton")->click();
     wanted.append({QVariant::fromValue(RadioField::imageFilePath), QString(RadioModel::customArtwork)});
-    QCOMPARE(stage.told, wanted);
-    QCOMPARE(stage.told.first().last(), QVariant(u"xone\ntwo"_s));
+    QCOMPARE(fixture.told, wanted);
+    QCOMPARE(fixture.told.first().last(), QVariant(u"xone\ntwo"_s));
 
-    stage.record.reset();
-    QTest::keyClick(stage.find<QLineEdit>("nameField"), 'x');
-    QCOMPARE(stage.told.size(), wanted.size());
+    fixture.record.reset();
+    QTest::keyClick(fixture.find<QLineEdit>("nameField"), 'x');
+    QCOMPARE(fixture.told.size(), wanted.size());
 }
 
-/// Odd values, no values, and the password that is hidden again.
+/// Odd values and missing ones are shown without signalling an edit, and the password is hidden again.
 void TestStationViews::popoverShowsWithoutTelling()
 {
-    Stage stage(StationPopover::Kind::custom);
-    auto *password = stage.find<QLineEdit>("passwordField");
-    auto *reveal = stage.find<QAbstractButton>("revealButton");
+    OpenPopover fixture(StationPopover::Kind::custom);
+    auto *password = fixture.find<QLineEdit>("passwordField");
+    auto *reveal = fixture.find<QAbstractButton>("revealButton");
     for (const QVariant &odd : {QVariant(4.9), QVariant(1e300), QVariant(-1), QVariant(true), QVariant()}) {
-        stage.record->setStars(odd);
-        stage.record->setName(odd);
-        stage.record->setRadioIsPrivate(!stage.record->flag(RadioField::radioIsPrivate));
+        fixture.record->setStars(odd);
+        fixture.record->setName(odd);
+        fixture.record->setRadioIsPrivate(!fixture.record->flag(RadioField::radioIsPrivate));
         reveal->click();
         QCOMPARE(password->echoMode(), QLineEdit::Normal);
-        stage.popover.setStation(stage.record);
+        fixture.popover.setStation(fixture.record);
         QCOMPARE(password->echoMode(), QLineEdit::Password);
-        QCOMPARE(stage.find<QLineEdit>("nameField")->text(), stage.record->text(RadioField::name));
+        QCOMPARE(fixture.find<QLineEdit>("nameField")->text(), fixture.record->text(RadioField::name));
     }
     reveal->click();
-    stage.popover.close();
+    fixture.popover.close();
     QCOMPARE(password->echoMode(), QLineEdit::Password);
-    stage.popover.setStation({});
+    fixture.popover.setStation({});
     QCOMPARE(password->text(), QString());
-    QCOMPARE(stage.told, QList<QVariantList>());
+    QCOMPARE(fixture.told, QList<QVariantList>());
 
-    Stage favourite(StationPopover::Kind::favourite);
+    OpenPopover favourite(StationPopover::Kind::favourite);
     favourite.record->setUrl(u"http://h/\u202e"_s + QString(600, u'x'));
     favourite.popover.setStation(favourite.record);
     QTest::mouseClick(favourite.find<QWidget>("addressLine"), Qt::LeftButton);
