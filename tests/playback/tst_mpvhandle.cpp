@@ -75,16 +75,16 @@ void TestMpvHandle::refusalsAreLogged_data()
     QTest::addColumn<QByteArray>("refused");
     QTest::addColumn<std::function<void(MpvHandle &)>>("ask");
     QTest::addColumn<MpvHandle::Options>("ofTheStream");
-    const auto row = [](const char *name, const QByteArray &refused, std::function<void(MpvHandle &)> ask) {
-        QTest::newRow(name) << refused << std::move(ask) << MpvHandle::Options();
+    using Ask = std::function<void(MpvHandle &)>;
+    const auto row = [](const char *name, const QByteArray &refused, const Ask &ask) {
+        QTest::newRow(name) << refused << ask << MpvHandle::Options();
     };
     row("command", "nonsense:", [](MpvHandle &handle) { handle.command({"nonsense"}); });
     row("argument", "af:", [](MpvHandle &handle) { handle.command({"af", "add", "nonsense"}); });
     row("property", "nonsense:", [](MpvHandle &handle) { handle.setFlag("nonsense", true); });
     row("value", "volume:", [](MpvHandle &handle) { handle.setNumber("volume", -1000); });
     row("observed", "nonsense:", [](MpvHandle &handle) { handle.observe("nonsense", MPV_FORMAT_FLAG); });
-    QTest::newRow("stream") << QByteArray("an option of a stream:.* nonsense ")
-                            << std::function<void(MpvHandle &)>([](MpvHandle &) {})
+    QTest::newRow("stream") << QByteArray("an option of a stream:.* nonsense ") << Ask([](MpvHandle &) {})
                             << MpvHandle::Options{{"nonsense", "yes"}};
 }
 
