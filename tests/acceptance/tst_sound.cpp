@@ -184,8 +184,8 @@ void TestSound::levelIsCubicAndSmooth()
     const auto mute = [&stage] { stage.press(u"muteButton"_s); };
     const std::pair<std::function<void()>, double> changes[] = {
         {volume(50), 0.125}, {mute, 0.0}, {mute, 0.125}, {volume(100), 1.0}, {mute, 0.0}, {mute, 1.0}};
-    for (const auto &[change, share] : changes) {
-        const auto done = [loudest, share = share](const Samples &sound) {
+    for (const auto &[change, part] : changes) {
+        const auto done = [loudest, share = part](const Samples &sound) {
             return std::abs(levelOf(sound) / loudest - share) <= 0.2 * share;
         };
         QCOMPARE_LT(stage.roughnessOf(change, done), click);

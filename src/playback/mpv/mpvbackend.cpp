@@ -27,13 +27,7 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         {"sid", "no"},
         {"audio-display", "no"},
         {"terminal", "no"},
-        // Would hand the address to another program.
-        {"ytdl", "no"},
         {"load-scripts", "no"},
-        {"osc", "no"},
-        {"load-stats-overlay", "no"},
-        {"load-osd-console", "no"},
-        {"load-auto-profiles", "no"},
         {"input-default-bindings", "no"},
         {"input-builtin-bindings", "no"},
         {"idle", "yes"},

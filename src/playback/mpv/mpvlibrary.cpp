@@ -35,11 +35,14 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
         !find(library, "mpv_terminate_destroy", functions->terminateDestroy) ||
         !find(library, "mpv_set_option_string", functions->setOptionString) ||
         !find(library, "mpv_set_property_async", functions->setPropertyAsync) ||
+        !find(library, "mpv_get_property_async", functions->getPropertyAsync) ||
         !find(library, "mpv_command_async", functions->commandAsync) ||
         !find(library, "mpv_command_node_async", functions->commandNodeAsync) ||
         !find(library, "mpv_observe_property", functions->observeProperty) ||
         !find(library, "mpv_wait_event", functions->waitEvent) ||
-        !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback)) {
+        !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback) ||
+        !find(library, "mpv_request_log_messages", functions->requestLogMessages) ||
+        !find(library, "mpv_error_string", functions->errorString)) {
         qCWarning(lcLibrary).noquote() << "no sound: libmpv cannot be used:" << library.errorString();
         return nullptr;
     }

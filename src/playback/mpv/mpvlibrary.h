@@ -12,11 +12,14 @@ struct MpvLibrary
     decltype(&mpv_terminate_destroy) terminateDestroy = nullptr;
     decltype(&mpv_set_option_string) setOptionString = nullptr;
     decltype(&mpv_set_property_async) setPropertyAsync = nullptr;
+    decltype(&mpv_get_property_async) getPropertyAsync = nullptr;
     decltype(&mpv_command_async) commandAsync = nullptr;
     decltype(&mpv_command_node_async) commandNodeAsync = nullptr;
     decltype(&mpv_observe_property) observeProperty = nullptr;
     decltype(&mpv_wait_event) waitEvent = nullptr;
     decltype(&mpv_set_wakeup_callback) setWakeupCallback = nullptr;
+    decltype(&mpv_request_log_messages) requestLogMessages = nullptr;
+    decltype(&mpv_error_string) errorString = nullptr;
 
     /// Null, and a line in the log, where the machine has no libmpv that fits. May take a quarter of a
     /// second.

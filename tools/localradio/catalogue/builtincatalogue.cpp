@@ -121,6 +121,7 @@ BuiltinCatalogue::BuiltinCatalogue()
     stations_ = readNames(random);
 
     std::vector<int> listeners;
+    listeners.reserve(stations_.size());
     for (std::size_t rank = 0; rank < stations_.size(); ++rank) {
         listeners.push_back(listenersAt(rank, random));
     }
