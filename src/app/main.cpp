@@ -17,6 +17,7 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
+#include <QTimer>
 #include <chrono>
 #include <clocale>
 #include <cstdio>
@@ -44,6 +45,10 @@ void boundEnding(int status)
         std::_Exit(status);
     }).detach();
 }
+
+/// How long after the first frame libmpv is opened: as long as the directory's first answer may take of a
+/// near server, and less than anybody takes to choose a station.
+constexpr std::chrono::milliseconds preloadDelay{25};
 
 /// The window whose rack is not saved yet.
 MainWindow *openWindow = nullptr;
@@ -132,9 +137,10 @@ int runWindow(int argc, char **argv, const Environment &environment, MpvBackend 
         Program program(environment.directory, backend, state);
         MainWindow &window = program.window;
         QObject::connect(&window, &MainWindow::firstFramePainted, &window, [&window, &backend] {
-            // Both take the processors from the first frame. The smaller one goes first, the directory waits.
-            HttpClient::instance().whenOpened(&window, [&backend] { backend.preload(); });
+            // Both would take the processors from the first frame, and libmpv from the directory's answer,
+            // too.
             HttpClient::instance().open();
+            QTimer::singleShot(preloadDelay, &window, [&backend] { backend.preload(); });
         });
         QObject::connect(&window, &MainWindow::firstFramePainted, &look,
                          [&look, &instance] { look.watchDesktop(instance->connection()); });

@@ -69,13 +69,13 @@ void HttpClient::whenOpened(QObject *context, std::function<void()> step)
     }
 }
 
-void HttpClient::begin(CURL *easy, Ended ended)
+void HttpClient::begin(CURL *easy, const Ended &ended)
 {
     idle_.stop();
     if (multi_ == nullptr) {
         makeMulti();
     }
-    running_.insert(easy, std::move(ended));
+    running_.insert(easy, ended);
     library_->multiAddHandle(multi_, easy);
 }
 

@@ -36,7 +36,7 @@ public:
     const CurlLibrary *library() const { return library_; }
 
     /// Begins the transfer that `easy` has been prepared for, after this returns.
-    void begin(CURL *easy, Ended ended);
+    void begin(CURL *easy, const Ended &ended);
     /// Ends it, if it has not ended by itself; nothing is told any more. Does not wait, not even for the
     /// look-up of a name. Not to be called by what libcurl calls.
     void end(CURL *easy);
