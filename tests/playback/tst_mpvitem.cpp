@@ -95,6 +95,8 @@ MpvLibrary scriptedLibrary()
     library.terminateDestroy = [](mpv_handle *) {};
     library.setOptionString = [](mpv_handle *, const char *, const char *) { return 0; };
     library.setPropertyAsync = [](mpv_handle *, uint64_t, const char *, mpv_format, void *) { return 0; };
+    library.getPropertyAsync = [](mpv_handle *, uint64_t, const char *, mpv_format) { return 0; };
+    library.requestLogMessages = [](mpv_handle *, const char *) { return 0; };
     library.observeProperty = [](mpv_handle *, uint64_t, const char *, mpv_format) { return 0; };
     library.waitEvent = [](mpv_handle *, double) {
         if (core.waiting.empty()) {

@@ -76,6 +76,7 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
     library->setPropertyAsync = [](mpv_handle *handle, uint64_t, const char *, mpv_format, void *) {
         return use(handle);
     };
+    library->requestLogMessages = [](mpv_handle *handle, const char *) { return use(handle); };
     library->setWakeupCallback = [](mpv_handle *handle, void (*)(void *), void *) { use(handle); };
     return library;
 }
