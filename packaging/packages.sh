@@ -1,4 +1,4 @@
-# Sourced by ./run, ./test and ./bench/run: makes sure that Debian packages are there.
+# Sourced by ./run, ./test, .ci/run and ./bench/run: makes sure that Debian packages are there.
 
 # need_packages PACKAGE...: installs those that are missing, as root or through sudo. Where neither works it names them and
 # ends the script with status 1.
@@ -35,9 +35,14 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-l1
     libxcb1-dev ffmpeg fonts-dejavu-core ca-certificates)
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
-# What the tests use besides.
-test_packages=(clang-format clang-tidy openssl icecast2 pulseaudio pulseaudio-utils python3 desktop-file-utils dbus dbus-daemon
-    python3-gi gir1.2-atspi-2.0 at-spi2-core)
+# What the tests of the program use besides.
+acceptance_packages=(openssl icecast2 pulseaudio pulseaudio-utils python3 dbus dbus-daemon python3-gi gir1.2-atspi-2.0
+    at-spi2-core)
+# What all tests use.
+test_packages=("${acceptance_packages[@]}" clang-format clang-tidy desktop-file-utils)
+# What CI compiles with besides, and what makes it a root for another release.
+ci_packages=(clang)
+root_packages=(debootstrap)
 # What ./fuzz is built with.
 fuzz_packages=(clang)
 # What ./bench/run compares with, and what it listens with.

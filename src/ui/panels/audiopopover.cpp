@@ -77,7 +77,7 @@ void AudioPopover::showSettings()
     ui_->volumeValue->setText(tr("%1 %").arg(settings_.volume));
     reserve(ui_->volumeValue, tr("%1 %").arg(SoundSettings::loudest));
 
-    const auto showBand = [this](LevelSlider *slider, QLabel *label, int gain) {
+    const auto showBand = [](LevelSlider *slider, QLabel *label, int gain) {
         slider->setValue(gain);
         const auto text = [](int decibels) {
             const QString sign = decibels > 0   ? QStringLiteral("+")
