@@ -211,8 +211,5 @@ void TestDirectorySource::tuneInAddresses()
     QCOMPARE(tuneInAddress(u"http://h"_s, {based, baseless}, station), u"http://h?id=42"_s);
 }
 
-Q_DECLARE_METATYPE(DirectoryUnderTest::Request)
-Q_DECLARE_METATYPE(MakeDirectory)
-
 QTEST_GUILESS_MAIN(TestDirectorySource)
 #include "tst_directorysource.moc"

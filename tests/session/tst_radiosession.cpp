@@ -278,7 +278,5 @@ void TestRadioSession::removalsAreUndone()
     QCOMPARE(radio.names(), u"CDEB"_s);
 }
 
-Q_DECLARE_METATYPE(std::function<void(Radio &)>)
-
 QTEST_GUILESS_MAIN(TestRadioSession)
 #include "tst_radiosession.moc"
