@@ -46,7 +46,7 @@ void HttpExchange::start(const HttpRequest &request)
             fail(NoConnection, QStringLiteral("libcurl cannot be used"));
             return;
         }
-        transfer_->send(request_, request_.url);
+        transfer_->send(request_, request_.url, HttpTransfer::Certificate::Verified);
     });
 }
 
@@ -54,6 +54,21 @@ void HttpExchange::cancel()
 {
     deadline_.stop();
     transfer_->cancel();
+}
+
+void HttpExchange::endDeadline()
+{
+    deadline_.stop();
+}
+
+QByteArray HttpExchange::takeBody()
+{
+    return transfer_->takeBody();
+}
+
+void HttpExchange::rest(bool isResting)
+{
+    transfer_->rest(isResting);
 }
 
 const HttpResponse &HttpExchange::response() const
@@ -75,6 +90,9 @@ void HttpExchange::proceed(TransferEnd end)
         break;
     case TransferEnd::Redirected:
         redirect();
+        break;
+    case TransferEnd::Unverified:
+        distrust();
         break;
     case TransferEnd::NoConnection:
         fail(NoConnection, transfer_->errorText() + proxyNote(response().url));
@@ -101,7 +119,19 @@ void HttpExchange::redirect()
         return;
     }
     request_.followRedirect(response().status);
-    transfer_->send(request_, target);
+    transfer_->send(request_, target, HttpTransfer::Certificate::Verified);
+}
+
+/// The server has not been asked anything yet.
+void HttpExchange::distrust()
+{
+    const QUrl server = response().url;
+    if (!request_.acceptsUnverified || request_.isConfidential(server)) {
+        fail(NoConnection, transfer_->errorText());
+        return;
+    }
+    isUnverified_ = true;
+    transfer_->send(request_, server, HttpTransfer::Certificate::Any);
 }
 
 void HttpExchange::fail(Fault fault, const QString &description)

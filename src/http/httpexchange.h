@@ -16,6 +16,9 @@ enum class TransferEnd;
 /// exchange. Nothing is cached, and an error status is an answer like any other. Proxies are those that the
 /// environment names. Certificates are verified with those of the system, or of SSL_CERT_FILE and
 /// SSL_CERT_DIR.
+///
+/// An answer without an end is taken piece by piece: by takeBody(), at the pace of rest(), and with a deadline
+/// for its beginning alone.
 class HttpExchange : public QObject
 {
     Q_OBJECT
@@ -41,10 +44,19 @@ public:
     /// Closes the connection; nothing is reported any more.
     void cancel();
 
+    /// From now on the answer may take as long as it likes.
+    void endDeadline();
+    /// What has been received of the body and not been taken yet.
+    QByteArray takeBody();
+    /// Whether nothing is read, so that the server has to wait.
+    void rest(bool isResting);
+
     /// The answer's head; valid from the first bodyReceived() on.
     const HttpResponse &response() const;
-    /// What has been received of the body so far.
+    /// What has been received of the body so far, but for what has been taken.
     const QByteArray &body() const;
+    /// Whether a server on the way to the answer was one whose certificate could not be verified.
+    bool isUnverified() const { return isUnverified_; }
 
 Q_SIGNALS:
     /// More of the body has come.
@@ -57,10 +69,12 @@ Q_SIGNALS:
 private:
     void proceed(TransferEnd end);
     void redirect();
+    void distrust();
     void fail(Fault fault, const QString &description);
 
     HttpTransfer *transfer_; // a child
     QTimer deadline_;        // runs as long as the exchange does
     HttpRequest request_;
     int redirects_ = 0;
+    bool isUnverified_ = false;
 };

@@ -36,12 +36,20 @@ HttpHeaders HttpRequest::headersFor(const QUrl &target) const
     for (const auto &[name, value] : headers) {
         setHeader(all, name, value);
     }
+    if (!target.userInfo().isEmpty()) {
+        setHeader(all, "Authorization", userInfoAuthorization(target));
+    }
     if (isSameOrigin(target, owner)) {
         for (const auto &[name, value] : ownerHeaders) {
             setHeader(all, name, value);
         }
     }
     return all;
+}
+
+bool HttpRequest::isConfidential(const QUrl &target) const
+{
+    return !target.userInfo().isEmpty() || (!ownerHeaders.isEmpty() && isSameOrigin(target, owner));
 }
 
 bool HttpRequest::hasBody() const
@@ -97,6 +105,12 @@ bool HttpResponse::isReadable(bool isCompressible) const
         }
     }
     return true;
+}
+
+QByteArray userInfoAuthorization(const QUrl &url)
+{
+    const QString credentials = url.userName(QUrl::FullyDecoded) + u':' + url.password(QUrl::FullyDecoded);
+    return "Basic " + credentials.toUtf8().toBase64();
 }
 
 QByteArray requestAddress(const QUrl &url)

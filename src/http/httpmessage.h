@@ -10,6 +10,9 @@
 using HttpHeaders = QList<QPair<QByteArray, QByteArray>>;
 
 /// What is asked of a server, and how much of an answer is taken. Each header fits in a line.
+///
+/// What `ownerHeaders` says and a user name or password in an address are for one server alone: they are sent
+/// encrypted to none but a verified one, and unencrypted past any proxy.
 struct HttpRequest
 {
     QUrl url;
@@ -20,15 +23,20 @@ struct HttpRequest
     HttpHeaders ownerHeaders = {};
     QUrl owner = {};
     QByteArray body = {};
+    /// Whether a server whose certificate cannot be verified is asked all the same, unless something is for
+    /// it alone.
+    bool acceptsUnverified = false;
     /// Whether the server may compress its answer.
     bool isCompressible = false;
     /// From the start to the last byte received, redirects included.
     std::chrono::milliseconds deadline = std::chrono::seconds(60);
-    /// The longest body that is taken, as it is when nothing compresses it; a longer one is an error.
+    /// The longest body that is kept, as it is when nothing compresses it; a longer one is an error.
     qint64 maximumBytes = 32LL * 1024 * 1024;
 
     /// All that is sent to `target`, where this request or its redirects lead.
     HttpHeaders headersFor(const QUrl &target) const;
+    /// Whether some of that is for the server of `target` alone.
+    bool isConfidential(const QUrl &target) const;
     /// Whether it has a body, be it an empty one.
     bool hasBody() const;
     /// Makes this the request that a redirect with `status` asks for, but for its address: any but 307 and
@@ -61,6 +69,9 @@ struct HttpError
     int code = 0;
     QString description;
 };
+
+/// The value of an Authorization header for the user name and password in an address (RFC 7617), in UTF-8.
+QByteArray userInfoAuthorization(const QUrl &url);
 
 /// The address of a request as the network library is given it, without what is not sent: user info and
 /// fragment.

@@ -30,7 +30,7 @@ HttpTransfer::~HttpTransfer()
     cancel();
 }
 
-void HttpTransfer::send(const HttpRequest &request, const QUrl &url)
+void HttpTransfer::send(const HttpRequest &request, const QUrl &url, Certificate certificate)
 {
     isCompressible_ = request.isCompressible;
     maximumBytes_ = request.maximumBytes;
@@ -38,12 +38,14 @@ void HttpTransfer::send(const HttpRequest &request, const QUrl &url)
     headBytes_ = 0;
     isHeadComplete_ = false;
     isPaused_ = false;
+    isResting_ = false;
     stop_.reset();
     errorText_.front() = '\0';
     if (easy_ == nullptr) {
         open();
     }
     setRequest(request);
+    setRoute(request, certificate);
     client_->begin(easy_, [this](CURLcode result) { finish(result); });
 }
 
@@ -57,6 +59,7 @@ void HttpTransfer::cancel()
         client_->end(easy_);
     }
     curl.easyCleanup(std::exchange(easy_, nullptr));
+    curl.slistFreeAll(std::exchange(aliases_, nullptr));
     curl.slistFreeAll(std::exchange(headers_, nullptr));
 }
 
@@ -85,6 +88,9 @@ void HttpTransfer::open()
     set(CURLOPT_ERRORBUFFER, errorText_.data());
     set(CURLOPT_BUFFERSIZE, readingBytes);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
+    // Stream servers of the first years have a status line of their own.
+    aliases_ = client_->library()->slistAppend(nullptr, "ICY 200 OK");
+    set(CURLOPT_HTTP200ALIASES, aliases_);
     // One connection is one request: who cancels it closes the connection.
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -138,6 +144,19 @@ void HttpTransfer::setRequest(const HttpRequest &request)
     set(CURLOPT_CUSTOMREQUEST, request.method.constData());
 }
 
+/// An encrypted request passes a proxy unread. Of a connection that is kept libcurl knows how it was made, and
+/// uses it for requests of the same kind only.
+void HttpTransfer::setRoute(const HttpRequest &request, Certificate certificate)
+{
+    const bool isReadableOnTheWay = response_.url.scheme() == QLatin1StringView("http");
+    const char *fromEnvironment = nullptr;
+    set(CURLOPT_PROXY, isReadableOnTheWay && request.isConfidential(response_.url) ? "" : fromEnvironment);
+    // What libcurl checks of the name: 2 is all of it.
+    const bool isVerified = certificate == Certificate::Verified;
+    set(CURLOPT_SSL_VERIFYPEER, isVerified ? 1L : 0L);
+    set(CURLOPT_SSL_VERIFYHOST, isVerified ? 2L : 0L);
+}
+
 /// Also those of informational answers before the answer, and of trailers behind it.
 bool HttpTransfer::takeHeadLine(QByteArrayView line)
 {
@@ -181,7 +200,7 @@ std::size_t HttpTransfer::takeBody(QByteArrayView piece)
     if (stop_) {
         return CURL_WRITEFUNC_ERROR;
     }
-    if (untold_ >= mostInATurn) {
+    if (isResting_ || untold_ >= mostInATurn) {
         isPaused_ = true;
         return CURL_WRITEFUNC_PAUSE;
     }
@@ -210,7 +229,24 @@ void HttpTransfer::tellBody()
     if (std::exchange(untold_, 0) > 0 && easy_ != nullptr) {
         Q_EMIT bodyReceived();
     }
-    if (std::exchange(isPaused_, false) && easy_ != nullptr) {
+    goOn();
+}
+
+void HttpTransfer::rest(bool isResting)
+{
+    if (isResting_ == isResting || easy_ == nullptr) {
+        return;
+    }
+    isResting_ = isResting;
+    goOn();
+}
+
+/// Where libcurl waits, and nothing speaks against more. A rest begins with what comes next, so that libcurl
+/// need not be told of one that ends before.
+void HttpTransfer::goOn()
+{
+    if (isPaused_ && !isResting_ && untold_ == 0 && easy_ != nullptr) {
+        isPaused_ = false;
         client_->library()->easyPause(easy_, CURLPAUSE_CONT);
     }
 }
@@ -231,6 +267,9 @@ TransferEnd HttpTransfer::endOf(CURLcode result) const
     }
     if (result == CURLE_OK && isHeadComplete_) {
         return TransferEnd::Complete;
+    }
+    if (result == CURLE_PEER_FAILED_VERIFICATION) {
+        return TransferEnd::Unverified;
     }
     curl_off_t connected = 0;
     client_->library()->easyGetinfo(easy_, CURLINFO_PRETRANSFER_TIME_T, &connected);

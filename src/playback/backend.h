@@ -1,25 +1,11 @@
 #pragma once
 
-#include "http/httpexchange.h"
 #include "playback/heardstream.h"
 #include "playback/observable.h"
 #include "playback/soundsettings.h"
+#include "playback/stream/streamrequest.h"
 
-#include <QUrl>
 #include <memory>
-
-/// What a stream is started from.
-struct StreamRequest
-{
-    /// A stream or a playlist of streams. An item of a URL that is not valid fails.
-    QUrl url;
-    /// How long the stream may take to start, in seconds; never negative.
-    double timeout = 15.0;
-    /// Sent with every request for the scheme, host and port of `url`, and to no other server that a redirect
-    /// or a playlist names. One that no header line can hold is left out. Without a "User-Agent" among them
-    /// the backend sends its own.
-    HttpHeaders headers = {};
-};
 
 /// One stream that can be played. Reports "playbackLikelyToKeepUp", "loadedTimeRanges", "playbackBufferEmpty"
 /// and "playbackBufferFull".

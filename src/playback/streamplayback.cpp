@@ -132,6 +132,10 @@ StreamPlayback::Toggle StreamPlayback::togglePause()
     if (running) {
         myBackendPlayer_->pause();
         isPlaying_ = false;
+        if (progress_ == PlaybackState::Playing) {
+            // What it asks at its end, whether there has been sound, is answered.
+            stopTimeout();
+        }
         Q_EMIT statusChanged(QStringLiteral("Paused (buffering in background)"));
     } else {
         // The status text stays until the next report replaces it.

@@ -6,7 +6,7 @@
 #include "favourites/archive/keyedarchive.h"
 #include "http/address.h"
 #include "http/httpmessage.h"
-#include "playback/playlist.h"
+#include "playback/stream/playlist.h"
 #include "playback/privatestream.h"
 #include "ui/drag/dragpayload.h"
 

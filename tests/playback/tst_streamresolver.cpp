@@ -1,4 +1,4 @@
-#include "playback/playlist.h"
+#include "playback/stream/playlist.h"
 #include "playback/streamresolver.h"
 #include "support/scriptedserver.h"
 

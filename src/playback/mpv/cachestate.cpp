@@ -14,6 +14,7 @@ void appendRange(CacheState &state, double start, double end)
 CacheState CacheState::from(const mpv_node &node)
 {
     CacheState state;
+    state.reader = secondsAt(node, "reader-pts");
     state.bytesAhead = numberAt(node, "fw-bytes");
     state.loadingRests = flagAt(node, "idle") && !flagAt(node, "eof");
     state.underrun = flagAt(node, "underrun");

@@ -12,6 +12,8 @@ struct CacheState
     QVariantList ranges;
     /// Where the last of the ranges ends, in seconds of the stream; none without ranges.
     std::optional<double> end;
+    /// Where the core takes sound from the buffer, in seconds of the stream.
+    double reader = 0;
     /// What the buffer holds of what has not been played.
     qint64 bytesAhead = 0;
     /// Nothing is being loaded, because the buffer holds what it may.

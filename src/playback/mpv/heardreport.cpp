@@ -1,6 +1,5 @@
 #include "playback/mpv/heardreport.h"
 
-#include "base/leadinginteger.h"
 #include "playback/mpv/mpvnode.h"
 
 #include <QUtf8StringView>
@@ -48,24 +47,29 @@ HeardReport::~HeardReport()
     heard_->setInfo({});
 }
 
+void HeardReport::titleHeard(const QByteArray &title)
+{
+    toldTitle_ = decoded(title);
+    report();
+}
+
+void HeardReport::bitrateAnnounced(int bitrate)
+{
+    announcedBitrate_ = inSteps(bitrate);
+    report();
+}
+
 void HeardReport::metadataChanged(const mpv_node *metadata)
 {
     const mpv_node tags = metadata != nullptr ? *metadata : mpv_node{};
-    const QByteArray told = textAt(tags, "icy-title").toByteArray();
     const QByteArray titleTag = textAt(tags, "title").toByteArray();
     const QByteArray artistTag = textAt(tags, "artist").toByteArray();
-    if (!told.isEmpty()) {
-        title_ = decoded(told);
-    } else {
-        const QString artist = decoded(latest(artistTag, artistTag_));
-        const QString title = decoded(latest(titleTag, titleTag_));
-        title_ =
-            artist.isEmpty() || title.isEmpty() ? artist + title : artist + QLatin1StringView(" - ") + title;
-    }
+    const QString artist = decoded(latest(artistTag, artistTag_));
+    const QString title = decoded(latest(titleTag, titleTag_));
+    taggedTitle_ =
+        artist.isEmpty() || title.isEmpty() ? artist + title : artist + QLatin1StringView(" - ") + title;
     titleTag_ = titleTag;
     artistTag_ = artistTag;
-    announcedBitrate_ =
-        inSteps(static_cast<double>(leadingInteger(decoded(textAt(tags, "icy-br").toByteArray()))));
     report();
 }
 
@@ -97,7 +101,7 @@ void HeardReport::cacheChanged(const mpv_node *state)
 void HeardReport::report()
 {
     heard_->setInfo(codec_.isEmpty() ? StreamInfo{}
-                                     : StreamInfo{.title = title_,
+                                     : StreamInfo{.title = toldTitle_.isEmpty() ? taggedTitle_ : toldTitle_,
                                                   .codec = codec_,
                                                   .bitrate = bitrate_ > 0 ? bitrate_ : announcedBitrate_,
                                                   .buffered = buffered_.value_or(0)});

@@ -18,7 +18,11 @@ public:
     HeardReport(const HeardReport &) = delete;
     HeardReport &operator=(const HeardReport &) = delete;
 
-    /// The tags of the stream and of its server: "metadata".
+    /// What the station says beside the sound, as it came; empty where it says nothing.
+    void titleHeard(const QByteArray &title);
+    /// In kbit/s, as the station announces it; 0 where it does not.
+    void bitrateAnnounced(int bitrate);
+    /// The tags of the stream: "metadata".
     void metadataChanged(const mpv_node *metadata);
     /// The sound that has been chosen from the stream: "current-tracks/audio".
     void trackChanged(const mpv_node *track);
@@ -29,7 +33,9 @@ private:
     void report();
 
     std::shared_ptr<HeardStream> heard_;
-    QString title_;
+    /// What the station says, and else what the stream's tags do.
+    QString toldTitle_;
+    QString taggedTitle_;
     /// The tags as they came last.
     QByteArray titleTag_;
     QByteArray artistTag_;

@@ -5,7 +5,6 @@
 #include "playback/mpv/mpvcores.h"
 #include "playback/mpv/mpvitem.h"
 #include "playback/mpv/mpvplayer.h"
-#include "playback/streamheaders.h"
 
 #include <QCoreApplication>
 #include <utility>
@@ -37,7 +36,6 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         {"audio-buffer",
          QByteArray::number(std::chrono::duration<double>(MpvConditions::readySound).count())},
         {"audio-client-name", "Plumtide"},
-        {"user-agent", StreamHeaders::userAgent()},
         {"cache", "yes"},
         // A server that sends no burst gets time to bring a little reserve together.
         {"cache-pause-initial", "yes"},
@@ -55,8 +53,6 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         // forgotten when the next arrives.
         {"demuxer-max-back-bytes", "256KiB"},
         {"demuxer-donate-buffer", "no"},
-        // A redirect would take the request's headers to another host.
-        {"stream-lavf-o", "reconnect_streamed=1,reconnect_delay_max=8,max_redirects=0"},
     };
     if (output.isAutomatic()) {
         // PipeWire is spoken to as PulseAudio is, where it can be. The long queue there

@@ -10,8 +10,8 @@ class ListenerSound;
 /// What the items of one backend have in common.
 struct MpvConditions
 {
-    /// Enough for an hour of pause at 128 kbit/s, what libmpv keeps beside each packet counted.
-    static constexpr qint64 usualPausedBufferBytes = 160LL * 1024 * 1024;
+    /// Enough for half an hour of pause at 128 kbit/s, what libmpv keeps beside each packet counted.
+    static constexpr qint64 usualPausedBufferBytes = 64LL * 1024 * 1024;
     /// Enough for minutes of sound ahead, so that a server that sends faster than it should costs no more.
     static constexpr qint64 playingBufferBytes = 8LL * 1024 * 1024;
     /// The sound that libmpv has ready for the output.

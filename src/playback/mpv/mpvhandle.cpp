@@ -1,6 +1,7 @@
 #include "playback/mpv/mpvhandle.h"
 
 #include "playback/mpv/mpvnode.h"
+#include "playback/mpv/pipeprotocol.h"
 
 #include <QByteArrayView>
 #include <QLoggingCategory>
@@ -66,12 +67,15 @@ std::unique_ptr<MpvHandle> MpvHandle::create(const MpvLibrary &library,
         qCWarning(lcHandle) << "no sound: libmpv does not start";
         return nullptr;
     }
+    made->noteRefusal(PipeProtocol::scheme, library.streamCbAddRo(handle, PipeProtocol::scheme,
+                                                                  made->pipes_.get(), &PipeProtocol::open));
     return made;
 }
 
 MpvHandle::MpvHandle(const MpvLibrary &library, std::shared_ptr<DetachedWork> detached, mpv_handle *handle)
     : library_(library)
     , detached_(std::move(detached))
+    , pipes_(std::make_shared<PipeProtocol>())
     , handle_(handle)
     , lastNumber_(lastCallersNumber)
 {
@@ -83,8 +87,10 @@ MpvHandle::~MpvHandle()
     // Silence comes first: the rest may take a while. What the sound server has queued is silent only when
     // the output rests.
     setFlag("pause", true);
-    DetachedWork::run(detached_, [terminateDestroy = library_.terminateDestroy, handle = handle_] {
+    DetachedWork::run(detached_, [terminateDestroy = library_.terminateDestroy, handle = handle_,
+                                  pipes = pipes_]() mutable {
         terminateDestroy(handle);
+        pipes.reset();
         // What a core leaves lies scattered over the heap.
         malloc_trim(0);
     });
@@ -134,8 +140,9 @@ void MpvHandle::command(const std::vector<QByteArray> &words)
     noteRefusal(name, library_.commandAsync(handle_, expectReply(name), arguments.data()));
 }
 
-void MpvHandle::load(const QByteArray &address, const Options &options, quint64 reply)
+void MpvHandle::load(const std::shared_ptr<BytePipe> &pipe, const Options &options, quint64 reply)
 {
+    const QByteArray address = pipes_->offer(pipe);
     NodeMap streamOptions;
     for (const auto &[name, value] : options) {
         streamOptions.add(name.constData(), value.constData());

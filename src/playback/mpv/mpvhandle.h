@@ -11,6 +11,9 @@
 #include <utility>
 #include <vector>
 
+class BytePipe;
+class PipeProtocol;
+
 /// One core of libmpv. Made on any thread; then used on one thread, except that the wake-up function is
 /// called on threads of libmpv. Never asks libmpv for anything that could block. Whatever libmpv refuses (an
 /// option, a command, a property, each by its name) makes one line in the log.
@@ -40,9 +43,10 @@ public:
     void observe(const char *property, mpv_format format);
     /// Starts a command.
     void command(const std::vector<QByteArray> &words);
-    /// Loads what is at `address` in place of anything else, with options of that stream alone; a name may
-    /// stand there more than once. Its MPV_EVENT_COMMAND_REPLY carries `reply`, which must fit into 32 bits.
-    void load(const QByteArray &address, const Options &options, quint64 reply);
+    /// Loads what comes through `pipe` in place of anything else, with options of that stream alone; a name
+    /// may stand there more than once. Its MPV_EVENT_COMMAND_REPLY carries `reply`, which must fit into 32
+    /// bits.
+    void load(const std::shared_ptr<BytePipe> &pipe, const Options &options, quint64 reply);
     void setFlag(const char *property, bool value);
     void setInteger(const char *property, qint64 value);
     void setNumber(const char *property, double value);
@@ -62,6 +66,7 @@ private:
 
     const MpvLibrary &library_;
     std::shared_ptr<DetachedWork> detached_;
+    std::shared_ptr<PipeProtocol> pipes_;
     mpv_handle *handle_;
     /// The names of what libmpv has been asked for and has not answered yet.
     QHash<quint64, QByteArray> asked_;

@@ -113,6 +113,10 @@ void MpvItem::begin()
     connect(bufferWatch_.get(), &BufferWatch::filledUp, this, &MpvItem::reportFull);
     connect(bufferWatch_.get(), &BufferWatch::ranDry, this, &MpvItem::reportEmpty);
     load_ = std::make_unique<StreamLoad>(*handle_, request_);
+    connect(load_.get(), &StreamLoad::titleHeard, this,
+            [this](const QByteArray &title) { heardReport_->titleHeard(title); });
+    connect(load_.get(), &StreamLoad::factsChanged, this,
+            [this](const StreamSource::Facts &facts) { heardReport_->bitrateAnnounced(facts.bitrate); });
     // An observer of the failure may release the player, and what signals it.
     connect(load_.get(), &StreamLoad::failed, this, &MpvItem::fail, Qt::QueuedConnection);
     load_->start();
@@ -234,6 +238,7 @@ void MpvItem::cacheChanged(const CacheState &state)
     if (!state.loadingRests) {
         rateControl_->loadingGoesOn();
     }
+    load_->cacheChanged(state);
     bufferWatch_->update(state);
 }
 

@@ -41,6 +41,7 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
         !find(library, "mpv_observe_property", functions->observeProperty) ||
         !find(library, "mpv_wait_event", functions->waitEvent) ||
         !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback) ||
+        !find(library, "mpv_stream_cb_add_ro", functions->streamCbAddRo) ||
         !find(library, "mpv_request_log_messages", functions->requestLogMessages) ||
         !find(library, "mpv_error_string", functions->errorString)) {
         qCWarning(lcLibrary).noquote() << "no sound: libmpv cannot be used:" << library.errorString();

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <mpv/client.h>
+#include <mpv/stream_cb.h>
 
 /// The functions of libmpv that we call, found in the shared library when the program runs. Once opened, the
 /// library stays in the process.
@@ -18,6 +19,7 @@ struct MpvLibrary
     decltype(&mpv_observe_property) observeProperty = nullptr;
     decltype(&mpv_wait_event) waitEvent = nullptr;
     decltype(&mpv_set_wakeup_callback) setWakeupCallback = nullptr;
+    decltype(&mpv_stream_cb_add_ro) streamCbAddRo = nullptr;
     decltype(&mpv_request_log_messages) requestLogMessages = nullptr;
     decltype(&mpv_error_string) errorString = nullptr;
 

@@ -1,11 +1,11 @@
 #include "playback/mpv/streamload.h"
 
-#include "playback/backend.h"
+#include "playback/mpv/cachestate.h"
 #include "playback/mpv/mpvhandle.h"
 #include "playback/mpv/mpvnode.h"
+#include "playback/stream/streamrequest.h"
 
 #include <QLoggingCategory>
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -14,52 +14,29 @@ Q_LOGGING_CATEGORY(lcLoad, "plumtide.playback")
 
 /// libmpv's own demand on the likeness to a format, out of 100.
 constexpr int surerProbeScore = 26;
-/// What this process may take while a stream is opened, whatever for: libmpv takes 10 MiB for every one.
-/// FFmpeg reads the tags in front of the sound as a whole, and a tag of 256 MB is a valid one.
-constexpr qint64 mostOpeningBytes = 24LL * 1024 * 1024;
+/// What this process may take while a stream is opened, whatever for: a few compressed bytes can become any
+/// number. Half of it is what an answer of the directory may have.
+constexpr qint64 mostOpeningBytes = 48LL * 1024 * 1024;
 constexpr std::chrono::milliseconds memoryCheckTime{10};
-
-/// libmpv takes whole seconds, and 0 for its own default.
-QByteArray networkTimeout(double seconds)
-{
-    constexpr double longest = 24.0 * 60 * 60;
-    return QByteArray::number(static_cast<int>(std::clamp(seconds, 1.0, longest)));
-}
-
-/// Options of the one stream: libmpv forgets them with it, so that they reach no other, and has let go of the
-/// one before when it takes them. `isRepeated` where the same stream was loaded just before.
-MpvHandle::Options loadOptions(double timeout, const HttpHeaders &headers, bool isRepeated)
-{
-    MpvHandle::Options options{{"network-timeout", networkTimeout(timeout)}};
-    for (const auto &[name, value] : headers) {
-        if (name.compare("User-Agent", Qt::CaseInsensitive) == 0) {
-            options.emplace_back("user-agent", value);
-        } else {
-            options.emplace_back("http-header-fields-append", name + ": " + value);
-            // What is meant for one server only goes to one that has shown that it is that server.
-            options.emplace_back("tls-verify", "yes");
-        }
-    }
-    if (isRepeated) {
-        // It was taken for a format that it hardly resembled.
-        options.emplace_back("demuxer-lavf-probescore", QByteArray::number(surerProbeScore));
-    }
-    return options;
-}
+/// libmpv reports what it has in its buffer several times a second.
+constexpr std::chrono::milliseconds reportTime{1000};
 } // namespace
 
 StreamLoad::StreamLoad(MpvHandle &handle, const StreamRequest &request)
     : handle_(handle)
-    , headers_(request)
-    , timeout_(request.timeout)
     , resolver_(std::make_unique<StreamResolver>(request))
 {
-    connect(resolver_.get(), &StreamResolver::streamFound, this, &StreamLoad::load);
+    connect(resolver_.get(), &StreamResolver::streamFound, this, &StreamLoad::take);
     connect(resolver_.get(), &StreamResolver::streamDropped, this, &StreamLoad::unload);
     connect(resolver_.get(), &StreamResolver::failed, this, &StreamLoad::failed);
     memoryTimer_.setInterval(memoryCheckTime);
     connect(&memoryTimer_, &QTimer::timeout, this, &StreamLoad::checkMemory);
+    reportTimer_.setSingleShot(true);
+    reportTimer_.setInterval(reportTime);
+    connect(&reportTimer_, &QTimer::timeout, this, &StreamLoad::giveUp);
 }
+
+StreamLoad::~StreamLoad() = default;
 
 /// Which stages may follow each other. A stream may end, be given up, or be replaced in any of them.
 bool StreamLoad::mayFollow(Stage from, Stage to)
@@ -96,22 +73,50 @@ void StreamLoad::start()
 void StreamLoad::settle()
 {
     resolver_.reset();
+    if (source_) {
+        source_->settle();
+    }
     if (stage_ == Stage::Opening) {
         enter(Stage::Opened);
     }
 }
 
-void StreamLoad::load(const QUrl &stream)
+void StreamLoad::take(StreamSource *stream)
 {
-    const bool isRepeated = stream == std::exchange(stream_, stream);
+    source_.reset(stream);
+    connect(stream, &StreamSource::titleRead, this,
+            [this](quint64 position, const QByteArray &title) { titles_.add(position, title); });
+    connect(stream, &StreamSource::factsChanged, this,
+            [this] { Q_EMIT factsChanged(source_->facts()); });
+    connect(stream, &StreamSource::readerHeld, this, &StreamLoad::readerHeld);
+    titles_ = {};
+    load(stream->open(), false);
+    stream->start();
+}
+
+/// With options of the one stream: libmpv forgets them with it, and has let go of the one before when it takes
+/// them.
+void StreamLoad::load(const std::shared_ptr<BytePipe> &pipe, bool isRepeated)
+{
+    pipe_ = pipe;
+    isRepeated_ = isRepeated;
+    allowance_ = {};
+    reportTimer_.stop();
+    pipe_->limit(allowance_.bytes());
+    MpvHandle::Options options;
+    if (isRepeated) {
+        // It was taken for a format that it hardly resembled.
+        options.emplace_back("demuxer-lavf-probescore", QByteArray::number(surerProbeScore));
+    }
     enter(Stage::Requested);
-    handle_.load(stream.toEncoded(), loadOptions(timeout_, headers_.forUrl(stream), isRepeated), ++request_);
+    handle_.load(pipe_, options, ++request_);
 }
 
 /// What libmpv still reports of the stream is not the next one's.
 void StreamLoad::unload()
 {
     enter(Stage::None);
+    source_.reset();
     handle_.command({"stop"});
 }
 
@@ -133,6 +138,22 @@ void StreamLoad::opened()
     }
 }
 
+void StreamLoad::cacheChanged(const CacheState &state)
+{
+    if (stage_ != Stage::Opened || !pipe_ || !state.end) {
+        return;
+    }
+    const quint64 read = pipe_->bytesRead();
+    allowance_.update(*state.end, state.bytesAhead, read);
+    titles_.loaded(read, *state.end);
+    if (reportTimer_.isActive()) {
+        extendAllowance();
+    }
+    if (const auto title = titles_.heardAt(state.reader)) {
+        Q_EMIT titleHeard(*title);
+    }
+}
+
 bool StreamLoad::ended(const mpv_event_end_file &end)
 {
     // The end of one that has been given up already must not be taken for the end of its successor.
@@ -143,15 +164,57 @@ bool StreamLoad::ended(const mpv_event_end_file &end)
     }
     enter(Stage::None);
     if (resolver_) {
-        resolver_->refused();
+        repeat();
     }
     return true;
+}
+
+/// A stream that is joined in the middle is sometimes taken for something else.
+void StreamLoad::repeat()
+{
+    const auto pipe = isRepeated_ || !source_ ? nullptr : source_->open();
+    if (pipe) {
+        load(pipe, true);
+    } else {
+        resolver_->refused();
+    }
 }
 
 void StreamLoad::checkMemory()
 {
     if (resolver_ && memory_.grownBytes() > mostOpeningBytes) {
-        qCWarning(lcLoad) << "a stream takes too much memory before it begins; it is not played";
-        resolver_->reject();
+        qCWarning(lcLoad) << "a stream takes too much memory before it begins";
+        // It may have been something else, and not a second time.
+        repeat();
+    }
+}
+
+void StreamLoad::readerHeld()
+{
+    if (!reportTimer_.isActive()) {
+        extendAllowance();
+    }
+}
+
+void StreamLoad::extendAllowance()
+{
+    if (!pipe_->isHeld()) {
+        return;
+    }
+    if (allowance_.extend(pipe_->bytesRead())) {
+        reportTimer_.stop();
+        pipe_->limit(allowance_.bytes());
+    } else if (!reportTimer_.isActive()) {
+        reportTimer_.start();
+    }
+}
+
+void StreamLoad::giveUp()
+{
+    qCWarning(lcLoad) << "a stream takes too much memory; it is not played any further";
+    if (resolver_) {
+        resolver_->refused();
+    } else {
+        source_.reset();
     }
 }

@@ -1,21 +1,23 @@
 #pragma once
 
 #include "playback/mpv/memorywatch.h"
-#include "playback/streamheaders.h"
-#include "playback/streamresolver.h"
+#include "playback/mpv/readallowance.h"
+#include "playback/mpv/timedtitles.h"
+#include "playback/stream/streamresolver.h"
+#include "playback/stream/streamsource.h"
 
 #include <QObject>
 #include <QTimer>
-#include <QUrl>
 #include <memory>
 #include <mpv/client.h>
 
 class MpvHandle;
+struct CacheState;
 struct StreamRequest;
 
 /// Has one core load the streams that are found behind an address, one after the other until one plays. Tells
-/// what libmpv reports of the current one from what it still reports of those before, and watches the
-/// process's memory while it is opened. Main thread.
+/// what libmpv reports of the current one from what it still reports of those before, and ends one that
+/// takes the process's memory. Main thread.
 class StreamLoad : public QObject
 {
     Q_OBJECT
@@ -23,6 +25,7 @@ class StreamLoad : public QObject
 public:
     /// The handle must outlive this object.
     StreamLoad(MpvHandle &handle, const StreamRequest &request);
+    ~StreamLoad() override;
 
     void start();
     /// A stream is heard: no further one is tried.
@@ -32,6 +35,8 @@ public:
     void replied(const mpv_event &reply);
     /// libmpv has opened a stream.
     void opened();
+    /// What the buffer holds of it.
+    void cacheChanged(const CacheState &state);
     /// libmpv has ended a stream. Whether it is the current one, and has not been stopped; unless one is
     /// heard already, the next is tried then.
     bool ended(const mpv_event_end_file &end);
@@ -39,6 +44,10 @@ public:
 Q_SIGNALS:
     /// There is no stream to play. To be received by a queued connection where this object may be deleted.
     void failed();
+    /// What the station says that is heard now, as it came.
+    void titleHeard(const QByteArray &title);
+    /// The server of the current stream says something else beside the sound.
+    void factsChanged(const StreamSource::Facts &facts);
 
 private:
     enum class Stage {
@@ -48,20 +57,34 @@ private:
         Opened,    ///< libmpv has recognised its format
     };
 
+    struct DeleteLater
+    {
+        void operator()(QObject *object) const { object->deleteLater(); }
+    };
+
     static bool mayFollow(Stage from, Stage to);
     void enter(Stage stage);
-    void load(const QUrl &stream);
+    void take(StreamSource *stream);
+    void load(const std::shared_ptr<BytePipe> &pipe, bool isRepeated);
     void unload();
+    void repeat();
     void checkMemory();
+    void readerHeld();
+    void extendAllowance();
+    void giveUp();
 
     MpvHandle &handle_;
-    const StreamHeaders headers_;
-    const double timeout_;
     /// Null once a stream is heard.
     std::unique_ptr<StreamResolver> resolver_;
     Stage stage_ = Stage::None;
-    /// The stream that was loaded last, whatever has become of it.
-    QUrl stream_;
+    /// The stream that is loaded or was last; it may be what is telling something just now.
+    std::unique_ptr<StreamSource, DeleteLater> source_;
+    std::shared_ptr<BytePipe> pipe_;
+    bool isRepeated_ = false;
+    TimedTitles titles_;
+    ReadAllowance allowance_;
+    /// What has been read may have become sound that libmpv has not reported yet.
+    QTimer reportTimer_;
     /// The number of the latest request, which its answer carries.
     quint64 request_ = 0;
     /// libmpv's number for the current stream, from Stage::Opening on.

@@ -1,4 +1,4 @@
-#include "playback/timeshares.h"
+#include "playback/stream/timeshares.h"
 
 #include <algorithm>
 

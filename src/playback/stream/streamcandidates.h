@@ -5,22 +5,14 @@
 #include <deque>
 #include <optional>
 
-struct StreamRequest;
-
 /// An address that may be a stream's.
 struct StreamCandidate
 {
-    /// What is done with it first.
-    enum class Approach {
-        Offer,     ///< it is taken for a stream
-        Probe,     ///< it is probed, and taken for a stream only if its server is slow to answer
-        ProbeOnly, ///< it is named like a playlist
-    };
-
     QUrl url;
-    Approach approach = Approach::Probe;
     /// How many playlists lead to it.
     int depth = 0;
+    /// How often its server has had no place for another listener.
+    int timesBusy = 0;
 };
 
 /// The addresses that one start tries, in their order.
@@ -32,9 +24,8 @@ public:
     /// How many are tried: playlists that name each other multiply.
     static constexpr int maximumTried = 64;
 
-    /// Begins with the address of `request` alone. A request with headers of its own is offered first: a
-    /// server may let a listener in once only, and be slow to notice that the probe has left.
-    explicit StreamCandidates(const StreamRequest &request);
+    /// Begins with that address alone.
+    explicit StreamCandidates(const QUrl &address);
 
     /// The next one to try; none where all have been, or as many as may be.
     std::optional<StreamCandidate> takeNext();
@@ -43,6 +34,8 @@ public:
     /// Puts what a playlist names before those that wait. `text` is what was found at `playlist`, and its
     /// entries may be relative to `base`. One that lies too deep names none.
     void insertEntries(const StreamCandidate &playlist, const QByteArray &text, const QUrl &base);
+    /// Puts one behind those that wait, because its server was busy; unless that has been so often.
+    void postpone(const StreamCandidate &busy);
 
 private:
     std::deque<StreamCandidate> waiting_;

@@ -1,4 +1,4 @@
-#include "playback/playlist.h"
+#include "playback/stream/playlist.h"
 
 #include "base/leadinginteger.h"
 #include "http/address.h"
@@ -100,4 +100,9 @@ QList<QUrl> Playlist::entries(QByteArrayView playlist, const QUrl &base)
     }
     return text.startsWith(QLatin1StringView("[playlist]"), Qt::CaseInsensitive) ? numberedEntries(lines)
                                                                                  : lineEntries(lines, base);
+}
+
+bool Playlist::isSegmented(QByteArrayView playlist)
+{
+    return playlist.indexOf("#EXT-X-TARGETDURATION") >= 0 || playlist.indexOf("#EXT-X-STREAM-INF") >= 0;
 }

@@ -19,6 +19,9 @@ enum class Kind { Playlist, Text, Media };
 /// what is text all through counts as a playlist or as other text (a web page, an error message).
 Kind kindOf(QByteArrayView head);
 
+/// Whether a playlist is that of the pieces of one stream (RFC 8216).
+bool isSegmented(QByteArrayView playlist);
+
 /// The http and https addresses that a playlist names, in its own order, at most maximumEntries. Those of a
 /// list of lines may be relative to `base`. All others are left out; a segmented stream's list names none.
 QList<QUrl> entries(QByteArrayView playlist, const QUrl &base);

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <memory>
+#include <mpv/stream_cb.h>
+#include <mutex>
+
+class BytePipe;
+
+/// The pipes that one core may read, each under an address that is good for once. Addresses of stations never
+/// reach libmpv. Thread-safe; it must outlive the core.
+class PipeProtocol
+{
+public:
+    /// The scheme of the addresses.
+    static constexpr char scheme[] = "plumtide";
+
+    /// The address under which the core finds `pipe`.
+    QByteArray offer(std::shared_ptr<BytePipe> pipe);
+
+    /// An mpv_stream_cb_open_ro_fn; `protocol` is one of these.
+    static int open(void *protocol, char *address, mpv_stream_cb_info *info);
+
+private:
+    std::shared_ptr<BytePipe> take(const QByteArray &address);
+
+    std::mutex mutex_;
+    quint64 lastNumber_ = 0;
+    QHash<QByteArray, std::shared_ptr<BytePipe>> offered_;
+};

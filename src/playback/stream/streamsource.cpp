@@ -1,0 +1,79 @@
+#include "playback/stream/streamsource.h"
+
+namespace {
+/// More than servers send at once to begin with; half a minute at 128 kbit/s.
+constexpr qsizetype longestBeginning = 512 * 1024;
+} // namespace
+
+StreamSource::~StreamSource()
+{
+    leavePipe();
+}
+
+std::shared_ptr<BytePipe> StreamSource::open()
+{
+    if (!isKept_) {
+        return nullptr;
+    }
+    leavePipe();
+    pipe_ = std::make_shared<BytePipe>(
+        [this] { QMetaObject::invokeMethod(this, &StreamSource::pipeChanged, Qt::QueuedConnection); });
+    pipe_->write(beginning_);
+    if (isFinished_) {
+        pipe_->finish();
+    }
+    return pipe_;
+}
+
+void StreamSource::settle()
+{
+    isSettled_ = true;
+    isKept_ = false;
+    beginning_ = {};
+}
+
+void StreamSource::send(const QByteArray &bytes)
+{
+    sent_ += static_cast<quint64>(bytes.size());
+    if (isKept_) {
+        isKept_ = beginning_.size() + bytes.size() <= longestBeginning;
+        beginning_ = isKept_ ? beginning_ + bytes : QByteArray();
+    }
+    pipe_->write(bytes);
+}
+
+void StreamSource::finish()
+{
+    isFinished_ = true;
+    pipe_->finish();
+}
+
+void StreamSource::setFacts(const Facts &facts)
+{
+    facts_ = facts;
+    Q_EMIT factsChanged();
+}
+
+bool StreamSource::hasRoom() const
+{
+    return pipe_->hasRoom();
+}
+
+void StreamSource::pipeChanged()
+{
+    if (pipe_->isHeld()) {
+        Q_EMIT readerHeld();
+    }
+    if (pipe_->hasRoom()) {
+        moreWanted();
+    }
+}
+
+/// Whoever still reads from it waits no longer.
+void StreamSource::leavePipe()
+{
+    if (pipe_) {
+        pipe_->detach();
+        pipe_->cancel();
+    }
+}
