@@ -1,4 +1,3 @@
-#include "playback/stream/playlist.h"
 #include "playback/stream/streamrequest.h"
 #include "playback/stream/streamresolver.h"
 #include "playback/stream/streamsource.h"
@@ -25,15 +24,6 @@ void refuseEverything(StreamResolver &resolver)
         QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
     });
 }
-
-QStringList texts(const QList<QUrl> &urls)
-{
-    QStringList list;
-    for (const QUrl &url : urls) {
-        list.append(url.toString());
-    }
-    return list;
-}
 } // namespace
 
 class TestStreamResolver : public QObject
@@ -41,11 +31,6 @@ class TestStreamResolver : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void kinds_data();
-    void kinds();
-    void entries_data();
-    void entries();
-    void tooManyEntriesAreCut();
     void candidates_data();
     void candidates();
     void deadCandidatesLeaveTime();
@@ -53,65 +38,6 @@ private Q_SLOTS:
     void headersGoToTheirOwner_data();
     void headersGoToTheirOwner();
 };
-
-void TestStreamResolver::kinds_data()
-{
-    QTest::addColumn<QByteArray>("head");
-    QTest::addColumn<Playlist::Kind>("kind");
-    QTest::newRow("pls") << QByteArray("\xef\xbb\xbf\r\n[PlayList]\nFile1=") << Playlist::Kind::Playlist;
-    QTest::newRow("m3u") << QByteArray("#EXTM3U\n") << Playlist::Kind::Playlist;
-    QTest::newRow("bare lines") << QByteArray("http://h/a\n") << Playlist::Kind::Playlist;
-    QTest::newRow("web page") << QByteArray("<!DOCTYPE html>") << Playlist::Kind::Text;
-    QTest::newRow("message") << QByteArray("Closed for the night") << Playlist::Kind::Text;
-    QTest::newRow("frame that begins like a page") << QByteArray("<\x00\xff\xfb", 4) << Playlist::Kind::Media;
-    QTest::newRow("frame that begins like a list") << QByteArray("#EXT\x01\x02") << Playlist::Kind::Media;
-    QTest::newRow("Ogg") << QByteArray("OggS\0\2", 6) << Playlist::Kind::Media;
-}
-
-void TestStreamResolver::kinds()
-{
-    QFETCH(QByteArray, head);
-    QFETCH(Playlist::Kind, kind);
-    QVERIFY(Playlist::kindOf(head) == kind);
-}
-
-void TestStreamResolver::entries_data()
-{
-    QTest::addColumn<QByteArray>("playlist");
-    QTest::addColumn<QStringList>("addresses");
-    QTest::newRow("pls, by number")
-        << QByteArray("\xef\xbb\xbf[playlist]\r\nFile10=http://h/c\r\nTitle1=http://no\r\n"
-                      "File2= http://h/b \r\nfile1=https://h/a\r\n")
-        << QStringList{u"https://h/a"_s, u"http://h/b"_s, u"http://h/c"_s};
-    QTest::newRow("other schemes")
-        << QByteArray("[playlist]\nFile1=file:///etc/passwd\nFile2=memory://x\n"
-                      "File3=edl://x\nFile4=/etc/passwd\nFile5=http:///x\nFile6=http://h/")
-        << QStringList{u"http://h/"_s};
-    QTest::newRow("m3u") << QByteArray("#EXTM3U\n#EXTINF:-1,x\nhttp://h/a\n\n  rel/b\nfile:///x\n")
-                         << QStringList{u"http://h/a"_s, u"http://base/dir/rel/b"_s};
-    QTest::newRow("old line ends") << QByteArray("http://h/a\rhttp://h/b")
-                                   << QStringList{u"http://h/a"_s, u"http://h/b"_s};
-    QTest::newRow("segments") << QByteArray("#EXTM3U\n#EXT-X-TARGETDURATION:5\nhttp://h/1.ts")
-                              << QStringList{};
-    QTest::newRow("none") << QByteArray("[playlist]\nnumberofentries=0") << QStringList{};
-}
-
-void TestStreamResolver::entries()
-{
-    QFETCH(QByteArray, playlist);
-    QTEST(texts(Playlist::entries(playlist, QUrl(u"http://base/dir/list.m3u"_s))), "addresses");
-}
-
-void TestStreamResolver::tooManyEntriesAreCut()
-{
-    QByteArray playlist = "[playlist]\n";
-    for (int number = 1; number <= 1000; ++number) {
-        playlist += "File" + QByteArray::number(number) + "=http://h/" + QByteArray::number(number) + "\n";
-    }
-    const QList<QUrl> entries = Playlist::entries(playlist, {});
-    QCOMPARE(entries.size(), Playlist::maximumEntries);
-    QCOMPARE(entries.constLast().path(), u"/64"_s);
-}
 
 void TestStreamResolver::candidates_data()
 {
