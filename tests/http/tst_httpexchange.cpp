@@ -281,8 +281,8 @@ void TestHttpExchange::credentialsStayAtHome()
     ScriptedServer other;
     const QByteArray redirect = "HTTP/1.1 302 x\r\nContent-Length: 0\r\nLocation: ";
     home.script("/", redirect + "http://stranger.invalid/#part\r\n\r\n");
-    proxy.script("http://stranger.invalid/", redirect + other.address(u"/a\r\n\r\n"_s).toLatin1().replace(
-                                                            "//127", "//user:p%40ss@127"));
+    proxy.script("http://stranger.invalid/",
+                 redirect + other.address(u"/a\r\n\r\n"_s).toLatin1().replace("//127", "//user:p%40ss@127"));
     other.script("/a", redirect + home.address(u"/back\r\n\r\n"_s).toLatin1());
     home.scriptBody("/back", "x");
     const Variables variables({{"http_proxy", proxy.address().toLatin1()}});
@@ -293,7 +293,8 @@ void TestHttpExchange::credentialsStayAtHome()
     QCOMPARE(outcomeOf(request), QByteArray("200 x"));
     QCOMPARE(home.targets(), (QByteArrayList{"/", "/back"}));
     for (const QByteArray &asked : home.requests()) {
-        QVERIFY(asked.contains("\r\nAuthorization: Basic x\r\n") && asked.contains("\r\nuser-agent: mine\r\n"));
+        QVERIFY(asked.contains("\r\nAuthorization: Basic x\r\n") &&
+                asked.contains("\r\nuser-agent: mine\r\n"));
         QVERIFY(asked.contains("\r\nEmpty:\r\n") && !asked.contains("usual"));
     }
     QCOMPARE(proxy.targets(), QByteArrayList{"http://stranger.invalid/"});

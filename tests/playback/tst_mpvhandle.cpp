@@ -102,7 +102,7 @@ void TestMpvHandle::refusalsAreLogged()
     QVERIFY(handle);
     ask(*handle);
     // Nothing comes. Its end is told after all replies, and before what libmpv's log says of it.
-    const auto pipe = std::make_shared<BytePipe>(nullptr);
+    const auto pipe = std::make_shared<BytePipe>();
     pipe->finish();
     handle->load(pipe, ofTheStream, 1);
     bool ended = false;

@@ -54,8 +54,8 @@ void TestStreamResolver::candidates_data()
     QTest::newRow("a playlist named by another")
         << QByteArray("/lists") << Targets{"/lists", "/inner", "/sound"} << 1;
     QTest::newRow("itself") << QByteArray("/self") << Targets{"/self", "/self", "/self", "/self"} << 0;
-    QTest::newRow("no place, three times") << QByteArray("/full")
-                                           << Targets{"/full", "/full", "/full", "/full"} << 0;
+    QTest::newRow("no place, three times")
+        << QByteArray("/full") << Targets{"/full", "/full", "/full", "/full"} << 0;
     QTest::newRow("a web page") << QByteArray("/page") << Targets{"/page"} << 0;
     QTest::newRow("an error page") << QByteArray("/gone") << Targets{"/gone"} << 0;
     QTest::newRow("nothing") << QByteArray("/empty") << Targets{"/empty"} << 0;
@@ -104,7 +104,8 @@ void TestStreamResolver::candidates()
 void TestStreamResolver::deadCandidatesLeaveTime()
 {
     ScriptedServer server;
-    server.scriptBody("/list", server.address(u"/silent\n"_s).toLatin1() + server.address(u"/live"_s).toLatin1());
+    server.scriptBody("/list",
+                      server.address(u"/silent\n"_s).toLatin1() + server.address(u"/live"_s).toLatin1());
     server.script("/live", sound, ScriptedServer::After::StayOpen);
     StreamResolver resolver({.url = QUrl(server.address(u"/list"_s)), .timeout = 3});
     const QSignalSpy found(&resolver, &StreamResolver::streamFound);
