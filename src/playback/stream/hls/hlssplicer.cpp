@@ -21,37 +21,58 @@ quint64 tagBytes(const QByteArray &head)
 
 void HlsSplicer::begin()
 {
-    isBeginning_ = true;
+    kind_ = Kind::Unknown;
     head_.clear();
     toSkip_ = 0;
+    packets_.begin();
+    fragments_.begin();
 }
 
 QByteArray HlsSplicer::take(const QByteArray &bytes)
 {
-    if (!isBeginning_) {
-        return bytes;
+    const bool isBeginning = kind_ == Kind::Unknown;
+    if (isBeginning) {
+        head_ += bytes;
+        if (skipTags()) {
+            return {};
+        }
+        recognise();
     }
-    head_ += bytes;
-    return skipTags() ? QByteArray() : std::exchange(head_, {});
+    const QByteArray sound = isBeginning ? std::exchange(head_, {}) : bytes;
+    switch (kind_) {
+    case Kind::Packets:
+        return packets_.take(sound);
+    case Kind::Fragments:
+        return fragments_.take(sound);
+    case Kind::Unknown:
+    case Kind::Other:
+        break;
+    }
+    return sound;
 }
 
-/// Whether more has to come until it is clear what there is.
+/// Whether more has to come until it is clear what stands behind the tags.
 bool HlsSplicer::skipTags()
 {
     while (true) {
         const auto skipped = static_cast<qsizetype>(std::min(toSkip_, static_cast<quint64>(head_.size())));
         toSkip_ -= static_cast<quint64>(skipped);
         head_.remove(0, skipped);
-        if (toSkip_ > 0 || head_.isEmpty()) {
+        if (toSkip_ > 0 || head_.size() < tagHeadBytes) {
             return true;
         }
-        if (!head_.startsWith(QByteArrayView("ID3").first(std::min<qsizetype>(head_.size(), 3)))) {
-            isBeginning_ = false;
+        if (!head_.startsWith("ID3")) {
             return false;
         }
-        if (head_.size() < tagHeadBytes) {
-            return true;
-        }
         toSkip_ = tagBytes(head_);
+    }
+}
+
+void HlsSplicer::recognise()
+{
+    if (head_.startsWith(TransportPackets::syncByte)) {
+        kind_ = Kind::Packets;
+    } else {
+        kind_ = MovieFragments::isKindOf(head_) ? Kind::Fragments : Kind::Other;
     }
 }
