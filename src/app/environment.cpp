@@ -44,7 +44,7 @@ std::variant<Environment, QString> Environment::from(const QProcessEnvironment &
         if (const QString value = variables.value(variable); !value.isEmpty()) {
             const QString address = httpAddress(value);
             if (address.isNull()) {
-                return refusal(variable, value, QStringLiteral("an http or https address"));
+                return refusal(variable, withoutUserInfo(value), QStringLiteral("an http or https address"));
             }
             *setting = address + end;
         }

@@ -38,3 +38,18 @@ QString displayText(const QString &text)
     }
     return shown;
 }
+
+QString withoutUserInfo(const QString &address)
+{
+    constexpr QLatin1StringView mark("://");
+    const qsizetype scheme = address.indexOf(mark);
+    if (scheme < 0) {
+        return address;
+    }
+    const qsizetype begin = scheme + mark.size();
+    const auto end = std::find_if(address.begin() + begin, address.end(), [](QChar letter) {
+        return letter == u'/' || letter == u'?' || letter == u'#' || letter == u'\\';
+    });
+    const QStringView authority(address.begin() + begin, end);
+    return QString(address).remove(begin, authority.lastIndexOf(u'@') + 1);
+}

@@ -10,3 +10,7 @@ inline constexpr qsizetype maximumDisplayLength = 512;
 /// rest). Line ends and tabs become blanks. Everything else stays. For display only: what is stored keeps the
 /// text as received.
 QString displayText(const QString &text);
+
+/// The text of an address without user name and password (`user:password@`), for whoever sees, copies or logs
+/// it; everything else stays as it is, and so does text that is no address.
+QString withoutUserInfo(const QString &address);

@@ -17,8 +17,8 @@ enum class TransferEnd;
 /// environment names. Certificates are verified with those of the system, or of SSL_CERT_FILE and
 /// SSL_CERT_DIR.
 ///
-/// An answer without an end is taken piece by piece: by takeBody(), at the pace of rest(), and with a deadline
-/// for its beginning alone.
+/// An answer without an end is taken piece by piece: by takeBody(), at the pace of rest(), and with a
+/// deadline for its beginning alone.
 class HttpExchange : public QObject
 {
     Q_OBJECT

@@ -144,8 +144,8 @@ void HttpTransfer::setRequest(const HttpRequest &request)
     set(CURLOPT_CUSTOMREQUEST, request.method.constData());
 }
 
-/// An encrypted request passes a proxy unread. Of a connection that is kept libcurl knows how it was made, and
-/// uses it for requests of the same kind only.
+/// An encrypted request passes a proxy unread. Of a connection that is kept libcurl knows how it was made,
+/// and uses it for requests of the same kind only.
 void HttpTransfer::setRoute(const HttpRequest &request, Certificate certificate)
 {
     const bool isReadableOnTheWay = response_.url.scheme() == QLatin1StringView("http");

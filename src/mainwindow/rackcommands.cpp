@@ -1,5 +1,6 @@
 #include "mainwindow/rackcommands.h"
 
+#include "base/displaytext.h"
 #include "mainwindow/rackactions.h"
 #include "session/radiosession.h"
 #include "ui/rack/rackitem.h"
@@ -38,8 +39,10 @@ void RackCommands::bindMenu(const Ui::MainWindow &ui)
     };
     connect(ui.moveLeftAction, &QAction::triggered, this, [moveVisually] { moveVisually(-1); });
     connect(ui.moveRightAction, &QAction::triggered, this, [moveVisually] { moveVisually(1); });
-    connect(ui.copyFavouriteNameAction, &QAction::triggered, this, [this] { copy(RadioField::name); });
-    connect(ui.copyFavouriteAddressAction, &QAction::triggered, this, [this] { copy(RadioField::url); });
+    connect(ui.copyFavouriteNameAction, &QAction::triggered, this,
+            [this] { copyText(selectedText(RadioField::name)); });
+    connect(ui.copyFavouriteAddressAction, &QAction::triggered, this,
+            [this] { copyText(withoutUserInfo(selectedText(RadioField::url))); });
     connect(ui.removeFavouriteAction, &QAction::triggered, this,
             [this] { favourites_.remove(rack_.selectionIndexes()); });
     connect(ui.undoRemovalAction, &QAction::triggered, this, &RackCommands::undoRemoval);
@@ -115,12 +118,10 @@ void RackCommands::move(int places)
     }
 }
 
-void RackCommands::copy(RadioField field)
+QString RackCommands::selectedText(RadioField field) const
 {
     const qsizetype index = selectedIndex();
-    if (index >= 0) {
-        copyText(rack_.radioItemCollectionArray().at(index)->text(field));
-    }
+    return index >= 0 ? rack_.radioItemCollectionArray().at(index)->text(field) : QString();
 }
 
 void RackCommands::undoRemoval()

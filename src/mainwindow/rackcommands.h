@@ -35,7 +35,8 @@ private:
     void play(qsizetype index);
     void showDetails();
     void move(int places);
-    void copy(RadioField field);
+    /// Empty where no tile is selected.
+    QString selectedText(RadioField field) const;
     void undoRemoval();
 
     RadioSession &session_;

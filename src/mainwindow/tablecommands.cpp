@@ -1,5 +1,6 @@
 #include "mainwindow/tablecommands.h"
 
+#include "base/displaytext.h"
 #include "session/radiosession.h"
 #include "ui/rack/rackview.h"
 #include "ui/table/stationtable.h"
@@ -24,7 +25,8 @@ TableCommands::TableCommands(const Ui::MainWindow &ui, StationTable &stations, R
     });
     connect(ui.copyStationAddressAction, &QAction::triggered, this, [this] {
         const StationEntry *station = selectedStation();
-        copyText(station != nullptr ? session_.directory().playAddress(*station) : QString());
+        copyText(station != nullptr ? withoutUserInfo(session_.directory().playAddress(*station))
+                                    : QString());
     });
     // Keys that mean something else where text is edited.
     for (QAction *action : {ui.addFavouriteAction, ui.copyStationNameAction, ui.copyStationAddressAction}) {

@@ -71,7 +71,7 @@ void TestHearAStation::pauseKeepsTheConnection()
     QCOMPARE(radio_.logged(u"request"_s).size(), requests);
 }
 
-/// A server that falls silent: the sound ends when the buffer has run out, and so does the player.
+/// A server that falls silent, and for good: the sound ends when the buffer has run out, and so does the player.
 void TestHearAStation::lostConnectionsAreNoticed()
 {
     OneStationDirectory server;
@@ -79,6 +79,8 @@ void TestHearAStation::lostConnectionsAreNoticed()
     server.script("/dying", radio_.beginning(0, burstBytes), ScriptedServer::After::StayOpen);
     Stage stage(server.address());
     stage.doubleClick(0);
+    QTRY_COMPARE_WITH_TIMEOUT(stage.statuses, Stage::healthyStart, Stage::soundTime);
+    server.scriptBody("/dying", "Gone", "404 Not Found");
     QTRY_COMPARE_WITH_TIMEOUT(stage.text(u"playerStatusString"_s), u"idle"_s, Stage::soundTime);
     QCOMPARE(stage.statuses, Stage::healthyStart + Stage::soundsEnd);
     QTRY_COMPARE(server.openConnections(), 0);

@@ -1,5 +1,5 @@
 #include "playback/privatestream.h"
-#include "playback/streamheaders.h"
+#include "playback/stream/streamaccess.h"
 #include "support/encryptedserver.h"
 #include "support/localradio.h"
 #include "support/stage.h"
@@ -81,7 +81,7 @@ void TestPrivateStations::requestsCarryHeaders_data()
     QTest::newRow("no credentials") << 0 << QString();
 }
 
-/// Both those of the player and those of the resolver: the station is a playlist whose name does not tell.
+/// Of the playlist and of the stream that it names.
 void TestPrivateStations::requestsCarryHeaders()
 {
     ScriptedServer server;
@@ -92,12 +92,11 @@ void TestPrivateStations::requestsCarryHeaders()
     stage_->settings.setValue("useragent_value", stored);
     play(server, u"/station"_s, usualTimeout, true, username);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
-    QCOMPARE_GE(server.targets().size(), 3);
-    QCOMPARE(server.targets().first(3), (QList<QByteArray>{"/station", "/station", "/sound"}));
+    QCOMPARE(server.targets().first(2), (QList<QByteArray>{"/station", "/sound"}));
     HttpHeaders expected = privateStreamHeaders(*station_, stored);
     QCOMPARE(expected.size(), stored == 3 ? 1 : 2);
     if (stored == 3) {
-        expected.append({"User-Agent", StreamHeaders::userAgent()});
+        expected.append({"User-Agent", StreamAccess::userAgent()});
     }
     for (const QByteArray &request : server.requests()) {
         QCOMPARE(request.count("User-Agent: ") + request.count("Authorization: "), 2);
@@ -119,7 +118,7 @@ void TestPrivateStations::othersGetNoHeaders()
     play(server, u"/moved"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     for (const QByteArray &request : elsewhere.requests()) {
-        QVERIFY(request.contains("User-Agent: " + StreamHeaders::userAgent()));
+        QVERIFY(request.contains("User-Agent: " + StreamAccess::userAgent()));
         QVERIFY(!request.contains("Authorization"));
     }
     const qsizetype before = elsewhere.requests().size();
@@ -128,9 +127,9 @@ void TestPrivateStations::othersGetNoHeaders()
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     server.script("/lost", redirect);
     server.closeConnections();
-    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
+    QTRY_VERIFY_WITH_TIMEOUT(elsewhere.requests().size() > before, Stage::soundTime);
     QVERIFY(server.targets().count("/lost") > 1);
-    QCOMPARE(elsewhere.requests().size(), before);
+    QVERIFY(!elsewhere.requests().constLast().contains("Authorization"));
 }
 
 void TestPrivateStations::refusedCredentialsFail()
@@ -139,8 +138,7 @@ void TestPrivateStations::refusedCredentialsFail()
     server.script("/sound", "HTTP/1.0 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n\r\nNo");
     play(server, u"/sound"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
-    // Two of FFmpeg's, the second once it knows the method, and one of the resolver's.
-    QCOMPARE_LE(server.requests().size(), 3);
+    QCOMPARE(server.requests().size(), 1);
 }
 
 /// A server without a trusted certificate is played, but is sent no credentials.

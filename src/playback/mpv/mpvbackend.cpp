@@ -17,8 +17,23 @@ constexpr std::chrono::milliseconds fileReleaseTime = std::chrono::seconds(2);
 /// before that, and a user who changes stations has started another.
 constexpr std::chrono::milliseconds preparationDelay = std::chrono::seconds(1);
 
+/// The containers that stations send sound in: none that reads further files or addresses.
+constexpr QByteArrayView formats("aac,ac3,asf,eac3,flac,loas,matroska,mov,mp3,mpegts,ogg,wav");
+
+/// What is in them. Everything else, pictures and subtitles above all, finds no decoder.
+constexpr QByteArrayView
+    decoders("mp1,mp1float,mp2,mp2float,mp3,mp3float,aac,aac_latm,ac3,eac3,alac,flac,opus,"
+             "vorbis,speex,wmav1,wmav2,wmapro,pcm_alaw,pcm_f32le,pcm_mulaw,pcm_s16be,"
+             "pcm_s16le,pcm_s24le,pcm_s32le,pcm_u8");
+
+QByteArray whitelist(QByteArrayView option, QByteArrayView names)
+{
+    return option.toByteArray() + "=\"" + names.toByteArray() + '"';
+}
+
 MpvHandle::Options optionsFor(const AudioOutput &output)
 {
+    const QByteArray decoderWhitelist = whitelist("codec_whitelist", decoders);
     MpvHandle::Options options = {
         // A core for sound alone, without the user's own configuration of the mpv program, scripts or keys.
         {"config", "no"},
@@ -36,15 +51,18 @@ MpvHandle::Options optionsFor(const AudioOutput &output)
         {"audio-buffer",
          QByteArray::number(std::chrono::duration<double>(MpvConditions::readySound).count())},
         {"audio-client-name", "Plumtide"},
+        // What the sound server shows beside that: usually the file's name, and so the address.
+        {"title", "Plumtide"},
         {"cache", "yes"},
         // A server that sends no burst gets time to bring a little reserve together.
         {"cache-pause-initial", "yes"},
         {"cache-pause-wait", "1.5"},
         // The end of a stream is when it has been heard, not when it has been queued.
         {"gapless-audio", "no"},
-        // Sound formats only: none that reads further files or addresses.
+        // Sound alone, also where a format is found out, which decodes its beginning.
         {"demuxer", "lavf"},
-        {"demuxer-lavf-o", "format_whitelist=\"aac,ac3,asf,flac,loas,matroska,mov,mp3,mpegts,ogg,wav,webm\""},
+        {"demuxer-lavf-o", whitelist("format_whitelist", formats) + ',' + decoderWhitelist},
+        {"ad-lavc-o", decoderWhitelist},
         {"access-references", "no"},
         // Content types are often wrong; a lower score than the usual one lets the data speak.
         {"demuxer-lavf-probescore", "10"},

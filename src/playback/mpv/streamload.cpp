@@ -27,7 +27,7 @@ StreamLoad::StreamLoad(MpvHandle &handle, const StreamRequest &request)
     , resolver_(std::make_unique<StreamResolver>(request))
 {
     connect(resolver_.get(), &StreamResolver::streamFound, this, &StreamLoad::take);
-    connect(resolver_.get(), &StreamResolver::streamDropped, this, &StreamLoad::unload);
+    connect(resolver_.get(), &StreamResolver::streamDropped, this, &StreamLoad::drop);
     connect(resolver_.get(), &StreamResolver::failed, this, &StreamLoad::failed);
     memoryTimer_.setInterval(memoryCheckTime);
     connect(&memoryTimer_, &QTimer::timeout, this, &StreamLoad::checkMemory);
@@ -57,16 +57,14 @@ void StreamLoad::enter(Stage stage)
 {
     Q_ASSERT(mayFollow(stage_, stage));
     stage_ = stage;
-    if (stage == Stage::Requested) {
-        memory_.begin();
-        memoryTimer_.start();
-    } else if (stage != Stage::Opening) {
+    if (stage == Stage::None || stage == Stage::Opened) {
         memoryTimer_.stop();
     }
 }
 
 void StreamLoad::start()
 {
+    load(false);
     resolver_->start();
 }
 
@@ -81,28 +79,15 @@ void StreamLoad::settle()
     }
 }
 
-void StreamLoad::take(StreamSource *stream)
+/// An empty pipe in place of what there was, of which libmpv may still report something. Its options are
+/// those of the one stream: libmpv forgets them with it, and has let go of the one before when it takes them.
+void StreamLoad::load(bool isRepeated)
 {
-    source_.reset(stream);
-    connect(stream, &StreamSource::titleRead, this,
-            [this](quint64 position, const QByteArray &title) { titles_.add(position, title); });
-    connect(stream, &StreamSource::factsChanged, this,
-            [this] { Q_EMIT factsChanged(source_->facts()); });
-    connect(stream, &StreamSource::readerHeld, this, &StreamLoad::readerHeld);
-    titles_ = {};
-    load(stream->open(), false);
-    stream->start();
-}
-
-/// With options of the one stream: libmpv forgets them with it, and has let go of the one before when it takes
-/// them.
-void StreamLoad::load(const std::shared_ptr<BytePipe> &pipe, bool isRepeated)
-{
-    pipe_ = pipe;
     isRepeated_ = isRepeated;
+    pipe_ = std::make_shared<BytePipe>();
     allowance_ = {};
-    reportTimer_.stop();
     pipe_->limit(allowance_.bytes());
+    reportTimer_.stop();
     MpvHandle::Options options;
     if (isRepeated) {
         // It was taken for a format that it hardly resembled.
@@ -112,12 +97,33 @@ void StreamLoad::load(const std::shared_ptr<BytePipe> &pipe, bool isRepeated)
     handle_.load(pipe_, options, ++request_);
 }
 
-/// What libmpv still reports of the stream is not the next one's.
-void StreamLoad::unload()
+void StreamLoad::take(StreamSource *stream)
 {
-    enter(Stage::None);
+    if (stage_ == Stage::None) {
+        load(false);
+    }
+    source_.reset(stream);
+    connect(stream, &StreamSource::titleRead, this,
+            [this](quint64 position, const QByteArray &title) { titles_.add(position, title); });
+    connect(stream, &StreamSource::factsChanged, this, [this] { Q_EMIT factsChanged(source_->facts()); });
+    connect(stream, &StreamSource::readerHeld, this, &StreamLoad::readerHeld);
+    titles_ = {};
+    attach();
+    stream->start();
+}
+
+/// The next one is looked for.
+void StreamLoad::drop()
+{
     source_.reset();
-    handle_.command({"stop"});
+    load(false);
+}
+
+void StreamLoad::attach()
+{
+    source_->attach(pipe_);
+    memory_.begin();
+    memoryTimer_.start();
 }
 
 void StreamLoad::replied(const mpv_event &reply)
@@ -172,9 +178,9 @@ bool StreamLoad::ended(const mpv_event_end_file &end)
 /// A stream that is joined in the middle is sometimes taken for something else.
 void StreamLoad::repeat()
 {
-    const auto pipe = isRepeated_ || !source_ ? nullptr : source_->open();
-    if (pipe) {
-        load(pipe, true);
+    if (source_ && source_->isBeginningKept() && !isRepeated_) {
+        load(true);
+        attach();
     } else {
         resolver_->refused();
     }

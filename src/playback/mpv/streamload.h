@@ -15,9 +15,10 @@ class MpvHandle;
 struct CacheState;
 struct StreamRequest;
 
-/// Has one core load the streams that are found behind an address, one after the other until one plays. Tells
-/// what libmpv reports of the current one from what it still reports of those before, and ends one that
-/// takes the process's memory. Main thread.
+/// Has one core load the streams that are found behind an address, one after the other until one plays.
+/// libmpv opens a pipe while the stream is still looked for, so that neither waits for the other. Tells what
+/// libmpv reports of the current stream from what it still reports of those before, and ends one that takes
+/// the process's memory. Main thread.
 class StreamLoad : public QObject
 {
     Q_OBJECT
@@ -51,8 +52,8 @@ Q_SIGNALS:
 
 private:
     enum class Stage {
-        None,      ///< there is none, or it has ended or been given up
-        Requested, ///< libmpv has been asked for it, and has not answered yet
+        None,      ///< libmpv has none: before the start, and after the last has ended
+        Requested, ///< libmpv has been asked for one, and has not answered yet
         Opening,   ///< libmpv has given it its number
         Opened,    ///< libmpv has recognised its format
     };
@@ -64,9 +65,10 @@ private:
 
     static bool mayFollow(Stage from, Stage to);
     void enter(Stage stage);
+    void load(bool isRepeated);
     void take(StreamSource *stream);
-    void load(const std::shared_ptr<BytePipe> &pipe, bool isRepeated);
-    void unload();
+    void drop();
+    void attach();
     void repeat();
     void checkMemory();
     void readerHeld();
@@ -77,9 +79,10 @@ private:
     /// Null once a stream is heard.
     std::unique_ptr<StreamResolver> resolver_;
     Stage stage_ = Stage::None;
-    /// The stream that is loaded or was last; it may be what is telling something just now.
-    std::unique_ptr<StreamSource, DeleteLater> source_;
+    /// What libmpv reads.
     std::shared_ptr<BytePipe> pipe_;
+    /// What writes it; null while it is looked for. It may be what is telling something just now.
+    std::unique_ptr<StreamSource, DeleteLater> source_;
     bool isRepeated_ = false;
     TimedTitles titles_;
     ReadAllowance allowance_;

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <utility>
 
-BytePipe::BytePipe(std::function<void()> notify)
-    : notify_(std::move(notify))
-    , limit_(std::numeric_limits<quint64>::max())
+void BytePipe::setNotify(std::function<void()> notify)
 {
+    const std::scoped_lock lock(mutex_);
+    notify_ = std::move(notify);
 }
 
 void BytePipe::write(const QByteArray &bytes)
@@ -33,12 +32,6 @@ bool BytePipe::hasRoom() const
 {
     const std::scoped_lock lock(mutex_);
     return hasRoomLocked();
-}
-
-void BytePipe::detach()
-{
-    const std::scoped_lock lock(mutex_);
-    notify_ = nullptr;
 }
 
 quint64 BytePipe::bytesRead() const

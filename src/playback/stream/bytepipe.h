@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <limits>
 #include <mutex>
 
 /// The bytes of one stream on their way from the main thread, which writes them, to a thread of the player,
@@ -15,18 +16,15 @@ public:
     /// What may wait to be read before the writer should rest. It is no limit: what comes is taken.
     static constexpr qsizetype enough = 256 * 1024;
 
-    /// `notify` is called on the reader's thread when there is room again where there was none, and when the
-    /// reader has come to the limit of what it may read. It must only post a message.
-    explicit BytePipe(std::function<void()> notify);
-
-    /// For the writer.
+    /// For the writer: `notify` is called on the reader's thread when there is room again where there was
+    /// none, and when the reader has come to the limit of what it may read. It must only post a message. Null
+    /// for nobody.
+    void setNotify(std::function<void()> notify);
     void write(const QByteArray &bytes);
     /// Nothing more will come; what has is still read.
     void finish();
     /// Whether less than `enough` waits to be read.
     bool hasRoom() const;
-    /// `notify` is not called any more.
-    void detach();
 
     /// How much has been read in all.
     quint64 bytesRead() const;
@@ -35,8 +33,8 @@ public:
     /// Whether the reader waits for a higher limit.
     bool isHeld() const;
 
-    /// For the reader: fills `to` with what there is, at most `most` bytes; waits where there is nothing. 0 at
-    /// the end, and once cancelled.
+    /// For the reader: fills `to` with what there is, at most `most` bytes; waits where there is nothing. 0
+    /// at the end, and once cancelled.
     qsizetype read(char *to, qsizetype most);
     /// Ends any read, and all further ones.
     void cancel();
@@ -51,7 +49,7 @@ private:
     qsizetype firstOffset_ = 0; // of what has not been read in the first piece
     qsizetype waiting_ = 0;
     quint64 read_ = 0;
-    quint64 limit_;
+    quint64 limit_ = std::numeric_limits<quint64>::max();
     bool isHeld_ = false;
     bool isFinished_ = false;
     bool isCancelled_ = false;

@@ -24,8 +24,8 @@ constexpr int attemptsBeforeSound = 2;
 constexpr int refusalsBesideSilence = 2;
 } // namespace
 
-LiveStream::LiveStream(const StreamAccess &access, QUrl address,
-                       std::unique_ptr<StreamConnection> connection, QObject *parent)
+LiveStream::LiveStream(const StreamAccess &access, QUrl address, std::unique_ptr<StreamConnection> connection,
+                       QObject *parent)
     : StreamSource(parent)
     , access_(access)
     , address_(std::move(address))

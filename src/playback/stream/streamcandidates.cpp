@@ -2,9 +2,12 @@
 
 #include "playback/stream/playlist.h"
 
+#include <chrono>
+
 namespace {
 /// A place is free a second or two after the listener before has gone.
 constexpr int mostTimesBusy = 3;
+constexpr std::chrono::milliseconds restTime = std::chrono::seconds(1);
 } // namespace
 
 StreamCandidates::StreamCandidates(const QUrl &address)
@@ -38,6 +41,9 @@ void StreamCandidates::insertEntries(const StreamCandidate &playlist, const QByt
 void StreamCandidates::postpone(const StreamCandidate &busy)
 {
     if (busy.timesBusy < mostTimesBusy) {
-        waiting_.push_back({.url = busy.url, .depth = busy.depth, .timesBusy = busy.timesBusy + 1});
+        waiting_.push_back({.url = busy.url,
+                            .depth = busy.depth,
+                            .timesBusy = busy.timesBusy + 1,
+                            .rest = QDeadlineTimer(restTime)});
     }
 }

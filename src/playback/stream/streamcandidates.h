@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QUrl>
 #include <deque>
 #include <optional>
@@ -11,8 +12,9 @@ struct StreamCandidate
     QUrl url;
     /// How many playlists lead to it.
     int depth = 0;
-    /// How often its server has had no place for another listener.
+    /// How often its server has had no place for another listener, and how long it is left alone since.
     int timesBusy = 0;
+    QDeadlineTimer rest;
 };
 
 /// The addresses that one start tries, in their order.

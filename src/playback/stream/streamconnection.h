@@ -7,8 +7,8 @@
 
 class HttpExchange;
 
-/// One connection to what may be a stream: asks, follows redirects, and tells by the first bytes what is there.
-/// A stream then goes on over the same connection: many servers let a listener in once. Main thread.
+/// One connection to what may be a stream: asks, follows redirects, and tells by the first bytes what is
+/// there. A stream then goes on over the same connection: many servers let a listener in once. Main thread.
 ///
 /// Inside a slot of its signals it may be deleted only with deleteLater().
 class StreamConnection : public QObject

@@ -11,11 +11,11 @@
 #include <chrono>
 
 namespace {
-/// How long a busy server is left alone.
-constexpr std::chrono::milliseconds busyTime = std::chrono::seconds(1);
+/// The time-out of the start ends it before.
+constexpr std::chrono::milliseconds beyondTimeout = std::chrono::seconds(1);
 
-/// What servers say that have no place for another listener: Forbidden, Too Many Requests, Service Unavailable
-/// (RFC 9110, RFC 6585).
+/// What servers say that have no place for another listener: Forbidden, Too Many Requests, Service
+/// Unavailable (RFC 9110, RFC 6585).
 bool isBusy(int status)
 {
     constexpr std::array<int, 3> statuses{403, 429, 503};
@@ -31,7 +31,6 @@ StreamResolver::StreamResolver(const StreamRequest &request, QObject *parent)
 {
     connect(&time_, &TimeShares::shareOver, this, &StreamResolver::next);
     wait_.setSingleShot(true);
-    wait_.setInterval(busyTime);
     connect(&wait_, &QTimer::timeout, this, &StreamResolver::ask);
 }
 
@@ -101,9 +100,9 @@ void StreamResolver::next()
     }
     current_ = *candidate;
     time_.beginShare(candidates_.waiting());
-    if (current_.timesBusy > 0) {
+    if (!current_.rest.hasExpired()) {
         enter(Stage::Waiting);
-        wait_.start();
+        wait_.start(current_.rest.remainingTimeAsDuration());
     } else {
         ask();
     }
@@ -114,7 +113,7 @@ void StreamResolver::ask()
     enter(Stage::Asking);
     connection_ = std::make_unique<StreamConnection>();
     connect(connection_.get(), &StreamConnection::found, this, &StreamResolver::evaluate);
-    HttpRequest request = access_.requestFor(current_.url, time_.total());
+    HttpRequest request = access_.requestFor(current_.url, time_.total() + beyondTimeout);
     request.headers.emplaceBack(IcyReader::requestHeader, "1");
     connection_->start(request);
 }

@@ -17,7 +17,7 @@ struct StreamRequest;
 ///
 /// Candidates are tried in order, each within its share of the time, and each over one connection: what tells
 /// by its first bytes that it is sound is offered, and goes on. One whose server has no place for another
-/// listener is tried again after a second, as the listener before may be ours.
+/// listener is tried again after a second: the listener before may have been this one.
 ///
 /// Lives on the main thread. Ends by being destroyed, or with failed(). Inside a slot of its signals it may
 /// be deleted only with deleteLater().
@@ -48,10 +48,10 @@ Q_SIGNALS:
 private:
     /// What is done with the current candidate.
     enum class Stage {
-        None,      ///< there is none: before the start, between two of them, and after the last
-        Waiting,   ///< its server was busy
-        Asking,    ///< its server has not answered yet
-        Offered,   ///< a stream has been found there, and the player may play it
+        None,    ///< there is none: before the start, between two of them, and after the last
+        Waiting, ///< its server was busy
+        Asking,  ///< its server has not answered yet
+        Offered, ///< a stream has been found there, and the player may play it
     };
 
     static bool mayFollow(Stage from, Stage to);

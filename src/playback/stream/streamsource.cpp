@@ -10,19 +10,16 @@ StreamSource::~StreamSource()
     leavePipe();
 }
 
-std::shared_ptr<BytePipe> StreamSource::open()
+void StreamSource::attach(const std::shared_ptr<BytePipe> &pipe)
 {
-    if (!isKept_) {
-        return nullptr;
-    }
     leavePipe();
-    pipe_ = std::make_shared<BytePipe>(
+    pipe_ = pipe;
+    pipe_->setNotify(
         [this] { QMetaObject::invokeMethod(this, &StreamSource::pipeChanged, Qt::QueuedConnection); });
     pipe_->write(beginning_);
     if (isFinished_) {
         pipe_->finish();
     }
-    return pipe_;
 }
 
 void StreamSource::settle()
@@ -73,7 +70,7 @@ void StreamSource::pipeChanged()
 void StreamSource::leavePipe()
 {
     if (pipe_) {
-        pipe_->detach();
+        pipe_->setNotify(nullptr);
         pipe_->cancel();
     }
 }

@@ -26,11 +26,13 @@ public:
 
     ~StreamSource() override;
 
-    /// To be called once, after the first open().
+    /// To be called once, after the first attach().
     virtual void start() = 0;
-    /// A pipe with the stream from its beginning, in place of the one before. Null once the beginning is no
-    /// longer kept.
-    std::shared_ptr<BytePipe> open();
+    /// Whether the stream can be had from its beginning.
+    bool isBeginningKept() const { return isKept_; }
+    /// From now on `pipe`, which nothing has been written to, gets the stream, from its beginning where that
+    /// is kept. The one before ends.
+    void attach(const std::shared_ptr<BytePipe> &pipe);
     /// The stream is heard: its beginning is not needed any more, and that it comes is worth more patience.
     void settle();
 

@@ -172,7 +172,7 @@ void StationPopover::chooseFile()
 void StationPopover::copyAddress()
 {
     if (const StationRecord station = this->station()) {
-        copyText(station->text(RadioField::url));
+        copyText(withoutUserInfo(station->text(RadioField::url)));
         QToolTip::showText(ui_->addressLine->mapToGlobal(ui_->addressLine->rect().bottomLeft()), tr("Copied"),
                            ui_->addressLine);
     }
@@ -196,7 +196,7 @@ void StationPopover::showStation()
     }
     showPicture(text(RadioField::imageFilePath));
 
-    const QString address = displayText(text(RadioField::url));
+    const QString address = displayText(withoutUserInfo(text(RadioField::url)));
     ui_->addressLine->setText(address.isEmpty() ? tr("None") : address);
     ui_->addressLine->setAccessibleName(tr("Copy address: %1").arg(address));
     ui_->addressLine->setEnabled(!address.isEmpty());
