@@ -14,7 +14,7 @@ struct StreamCandidate
     int depth = 0;
     /// How often its server has had no place for another listener, and how long it is left alone since.
     int timesBusy = 0;
-    QDeadlineTimer rest;
+    QDeadlineTimer rest = {};
 };
 
 /// The addresses that one start tries, in their order.

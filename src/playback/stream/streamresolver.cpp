@@ -102,7 +102,7 @@ void StreamResolver::next()
     time_.beginShare(candidates_.waiting());
     if (!current_.rest.hasExpired()) {
         enter(Stage::Waiting);
-        wait_.start(current_.rest.remainingTimeAsDuration());
+        wait_.start(std::chrono::milliseconds(current_.rest.remainingTime()));
     } else {
         ask();
     }
