@@ -32,7 +32,7 @@ need_packages() {
 
 # What the program and localradio are built from, and what they need when they run.
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-l10n-tools libcurl4-openssl-dev libexpat1-dev libplist-dev libmpv-dev
-    libxcb1-dev libssl-dev ffmpeg fonts-dejavu-core ca-certificates)
+    libssl-dev libxcb1-dev ffmpeg fonts-dejavu-core ca-certificates)
 # What shows a window where there is no display.
 display_packages=(xvfb xauth xdotool imagemagick)
 # What the tests of the program use besides.

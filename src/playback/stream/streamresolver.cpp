@@ -1,6 +1,7 @@
 #include "playback/stream/streamresolver.h"
 
 #include "http/address.h"
+#include "playback/stream/hlsstream.h"
 #include "playback/stream/icyreader.h"
 #include "playback/stream/livestream.h"
 #include "playback/stream/streamrequest.h"
@@ -134,7 +135,7 @@ void StreamResolver::evaluate(StreamConnection::Finding finding)
         next();
         break;
     case StreamConnection::Finding::Segments:
-        next();
+        offer(std::make_unique<HlsStream>(access_, current_.url, *connection_));
         break;
     case StreamConnection::Finding::Sound:
         offer(std::make_unique<LiveStream>(access_, current_.url, std::move(connection_)));
