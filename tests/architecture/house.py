@@ -32,7 +32,8 @@ ALLOWED = {
     "session": "playback directory favourites favourites/archive base",
     "playback/mpv": "playback playback/stream http base",
     "playback": "playback/stream favourites http base",
-    "playback/stream": "http base",
+    "playback/stream": "playback/stream/hls http base",
+    "playback/stream/hls": "http base",
     "directory/keyed": "directory http base",
     "directory": "base",
     "favourites/archive": "favourites base",
@@ -53,6 +54,7 @@ ALLOWED = {
 LIBRARIES = {
     "mpv/": "playback/mpv",
     "curl/": "http",
+    "openssl/": "playback/stream/hls",
     "expat.h": "directory/keyed",
     "plist/": "favourites/archive",
     "xcb/": "desktop",

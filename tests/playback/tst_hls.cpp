@@ -20,14 +20,12 @@ QString summaryOf(const HlsPlaylist &playlist)
 {
     QStringList parts;
     for (const HlsVariant &variant : playlist.variants) {
-        parts.append(u"%1 %2%3"_s.arg(variant.url.toString(QUrl::FullyEncoded))
-                         .arg(variant.bandwidth)
-                         .arg(variant.hasPictures ? u" pictures"_s : QString()));
+        parts.append(variant.url.toString(QUrl::FullyEncoded) + u' ' + QString::number(variant.bandwidth) +
+                     (variant.hasPictures ? u" pictures"_s : QString()));
     }
     for (const HlsSegment &segment : playlist.segments) {
-        QString text = u"%1 %2 %3"_s.arg(segment.number)
-                           .arg(segment.url.toString(QUrl::FullyEncoded))
-                           .arg(segment.duration.count());
+        QString text = QString::number(segment.number) + u' ' + segment.url.toString(QUrl::FullyEncoded) +
+                       u' ' + QString::number(segment.duration.count());
         if (segment.range != HlsRange()) {
             text += u" %1+%2"_s.arg(segment.range.from).arg(segment.range.length.value_or(0));
         }
@@ -183,7 +181,7 @@ void TestHls::playlists_data()
            "4 http://h/d/e 0 unknown; 5 http://h/d/f 0"_s;
     QTest::newRow("numbers beyond all bounds")
         << QByteArray("#EXT-X-MEDIA-SEQUENCE:99999999999999999999\na\n#EXT-X-MEDIA-SEQUENCE:-1\n"
-                      "#EXTINF:1e999,\n#EXT-X-BYTERANGE:99999999999999999999@99999999999999999999\nb\n"
+                      "#EXTINF:1e99,\n#EXT-X-BYTERANGE:99999999999999999999@99999999999999999999\nb\n"
                       "#EXT-X-BYTERANGE:1\nc\n#EXTINF:nan,\nd")
         << u"0 http://h/d/b 3600000 9223372036854775807+9223372036854775807; "
            "1 http://h/d/c 0 18446744073709551614+1; 2 http://h/d/d 0"_s;
@@ -311,8 +309,8 @@ void TestHls::deliveries_data()
                              << QByteArrayList{"/list", "/a", "/missing", "/missing", "/c"};
     QTest::newRow("broken off") << head + segments({"broken", "c"}) + end
                                 << QByteArray("0123456789cccccccccc")
-                                << QByteArrayList{"/list", "/broken", "/broken", "/broken",
-                                                  "/list", "/broken", "/c"};
+                                << QByteArrayList{"/list",   "/broken", "/broken", "/list",
+                                                  "/broken", "/broken", "/c"};
     QTest::newRow("nothing there") << head + segments({"missing", "missing", "missing", "a"}) + end
                                    << QByteArray()
                                    << QByteArrayList{"/list",    "/missing", "/missing", "/missing",

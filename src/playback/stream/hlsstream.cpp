@@ -14,8 +14,9 @@ namespace {
 constexpr std::chrono::milliseconds hlsAnswerTime = 5s;
 /// How long after a failure the next attempt is made.
 constexpr std::array<std::chrono::milliseconds, 4> hlsPauses{250ms, 500ms, 1s, 2s};
-/// How many attempts at a playlist, and playlists without news, a stream is worth that nobody has heard yet.
-constexpr int attemptsBeforeSound = 2;
+/// How many attempts at a playlist a variant is worth while there is another one to try, and how many
+/// playlists without news a stream is that nobody has heard yet.
+constexpr int attemptsPerVariant = 2;
 constexpr int updatesBeforeSound = 4;
 /// How many segments in a row may be missing then.
 constexpr int skipsBeforeSound = 3;
@@ -117,7 +118,9 @@ void HlsStream::takePlaylist(const QByteArray &text, const QUrl &base, bool isTo
     isTopWanted_ = false;
     if (isTop && !playlist.variants.isEmpty()) {
         variants_ = playlist.variants;
-        useVariant((playlistFailures_ / attemptsBeforeSound) % variants_.size());
+        // Where one fails for long, another one may go on.
+        const qsizetype onwards = isSettled() ? playlistFailures_ / attemptsPerVariant : 0;
+        useVariant((variant_ + onwards) % variants_.size());
         return;
     }
     if (!playlist.variants.isEmpty() || (playlist.segments.isEmpty() && playlist.isComplete)) {
@@ -161,7 +164,7 @@ void HlsStream::playlistEnded(HlsFetch::End end)
 void HlsStream::playlistFailed()
 {
     ++playlistFailures_;
-    if (!isSettled() && playlistFailures_ >= attemptsBeforeSound) {
+    if (!isSettled() && playlistFailures_ >= attemptsPerVariant) {
         giveVariantUp();
         return;
     }
