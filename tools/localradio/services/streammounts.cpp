@@ -55,13 +55,13 @@ QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bo
     return head + "\r\n";
 }
 
-/// What stands behind the prefix that `path` begins with, privately or not; a null string if it does not.
-QString behind(QStringView path, QLatin1StringView prefix)
+/// What stands behind the beginning that `path` has, privately or not; a null string if it does not.
+QString behind(QStringView path, QLatin1StringView beginning)
 {
     if (path.startsWith(StreamMounts::privatePrefix)) {
         path = path.sliced(StreamMounts::privatePrefix.size() - 1);
     }
-    return path.startsWith(prefix) ? path.sliced(prefix.size()).toString() : QString();
+    return path.startsWith(beginning) ? path.sliced(beginning.size()).toString() : QString();
 }
 
 } // namespace
