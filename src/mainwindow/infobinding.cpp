@@ -23,10 +23,12 @@ InfoBinding::InfoBinding(InfoView &view, const RadioSession &session)
 StreamInfo InfoBinding::info() const
 {
     const NowPlaying &now = session_.nowPlaying();
+    const StreamInfo &heard = session_.heardStream().info();
     return {.title = now.title,
             .codec = now.codec,
             .bitrate = now.bitrate,
-            .buffered = session_.heardStream().info().buffered};
+            .buffered = heard.buffered,
+            .isUnverified = heard.isUnverified};
 }
 
 void InfoBinding::changed()

@@ -16,6 +16,9 @@ struct StreamInfo
     int bitrate = 0;
     /// How much sound waits to be played, in whole seconds.
     int buffered = 0;
+    /// Whether it comes over an encrypted connection from a server that could be any: its certificate could
+    /// not be verified.
+    bool isUnverified = false;
 
     bool isEmpty() const { return codec.isEmpty(); }
     bool operator==(const StreamInfo &) const = default;

@@ -146,7 +146,7 @@ private Q_SLOTS:
         QFETCH(const Fault, fault);
         const QByteArray end = fault.end;
         const auto inFull = [this](QByteArray text) {
-            return text.replace("STREAM", "/stream/STATION")
+            return text.replace("STREAM?", "/stream/STATION?")
                 .replace("PRIVATE", "/private/STATION")
                 .replace("fault:", "/legacy/stationsearch?k=k&search=fault:")
                 .replace("STATION", ids_.first())
@@ -176,7 +176,7 @@ private Q_SLOTS:
     void everyDocumentedFaultIsTried()
     {
         static const QRegularExpression entry(
-            QStringLiteral("^(?: {2}|(    ))([/a-z][a-z:0-9-]*(?:=[a-z][a-z-]*)?)"),
+            QStringLiteral("^(?: {2}|(    ))([/a-z][a-z:0-9-]*(?:=[a-z][a-z0-9-]*)?)"),
             QRegularExpression::MultilineOption);
         int entries = 0;
         for (const auto &match : entry.globalMatch(QString::fromLatin1(localradio::faultHelp))) {
@@ -336,6 +336,37 @@ constexpr Fault faults[] = {
     {"/playlist?close-after=14", "closed", R"(\r\n\r\n\[playlist\]\nnum$)"},
     {"/playlist?form=m3u&endless=1&entry=a&close-after=999999", "closed", R"(\na\n#-{78}\n#-{78}\n)",
      999'999},
+
+    {"/hls/master.m3u8?form=fmp4&media-status=404&segment-rate=9", "closed",
+     R"(\n#EXT-X-STREAM-INF:BANDWIDTH=140000,CODECS="mp4a.40.2"\n)"
+     R"(high.m3u8\?form=fmp4&status=404&segment-rate=9\n)"},
+    {"/hls/master.m3u8?variants=video&renditions=1&address=port", "closed",
+     R"(URI="SECOND/hls/high.m3u8\?address=port"\n#EXT-X-STREAM-INF:.*,AUDIO="sound-video"\nSECOND/hls/video)"},
+    {"/hls/master.m3u8?variants=low,mid&other-variant=file:///a", "closed",
+     R"(\nfile:///a\n#EXT.*\nfile:///a\n)"},
+    {"/hls/high.m3u8?list=vod&window=5000", "closed", R"(\nhigh/4999.ts\n#EXT-X-ENDLIST\n$)", 99'999},
+    {"/hls/high.m3u8?list=live&window=1", "closed", R"(\n#EXTINF:1.920,\nhigh/16\d\d.ts\n$)"},
+    {"/hls/high.m3u8?list=event&address=root&discontinuity=1", "closed",
+     R"(SEQUENCE:1595\n.*-SEQUENCE:100\n.*:EVENT\n.*\n#EXT-X-DISCONTINUITY\n[^#]*#EXTINF:1.920,\n/hls/high/1600)"},
+    {"/hls/high.m3u8?key=aes-iv&key-status=500&segment-every=2", "closed",
+     R"(METHOD=AES-128,URI="key/0\?status=500",IV=0x[0-9a-f]{32}\n.*\nhigh/\d+.ts\?key=aes-iv&every=2\n)"},
+    {"/hls/high.m3u8?key=rotate&other-key=file:///a", "closed", R"(URI="file:///a",I.*URI="file:///a",I)"},
+    {"/hls/high.m3u8?form=fmp4&other-map=x:y&ranges=1", "closed",
+     R"(MAP:URI="x:y"\n.*BYTERANGE:\d+@0\nhigh/turn-100.m4s\n)"},
+    {"/hls/high.m3u8?other-segment=file:///etc/passwd", "closed", R"(\nfile:///etc/passwd\n$)"},
+    {"/hls/high.m3u8?itself=1", "closed", R"(\n/hls/high.m3u8\?itself=1\n$)"},
+    {"/hls/high.m3u8?endless=1&close-after=999999", "closed", R"(.ts\n#-{78}\n#-)", 999'999},
+    {"/hls/high.m3u8?stall=1&skip=1000", "closed", R"(SEQUENCE:161600\n#EXTINF:1.920,\nhigh/161600.ts\n)"},
+    {"/hls/high.m3u8?form=ts&address=absolute", "closed", R"(\nMAIN/hls/high/\d+.ts\n$)"},
+    {"/hls/high.m3u8?form=aac&key=aes", "closed", R"(URI="key/0"\n.*\nhigh/\d+.aac\?key=aes\n$)"},
+    {"/hls/high/7.ts?status=404&every=2", "closed", R"(^HTTP/1.1 200 )"},
+    {"/hls/high/8.ts?status=404&every=2&times=1", "closed", R"(^HTTP/1.1 404 )"},
+    {"/hls/high/8.ts?status=404&every=2&times=1", "closed", R"(^HTTP/1.1 200 .*\r\n\r\n\x47)"},
+    {"/hls/high/8.aac?redirect=port&key=aes", "closed",
+     R"(^HTTP/1.1 302 .*: SECOND/hls/high/8.aac\?key=aes\r\n)"},
+    {"/hls/high/8.aac?redirect=port", "closed", R"(: SECOND/hls/high/8.aac\r\n)"},
+    {"/private/hls/high.m3u8", "closed", "^HTTP/1.1 401 "},
+    {"/hls/none.m3u8", "closed", "^HTTP/1.1 404 "},
 
     {"fault:silent", "open", "^$"},
     {"fault:closed", "closed", "^$"},

@@ -8,6 +8,7 @@
 #include "localradio/sound/icyweaver.h"
 #include "localradio/sound/loops.h"
 #include "localradio/sound/oggloop.h"
+#include "localradio/sound/soundlibrary.h"
 
 #include <QFile>
 #include <QProcess>
@@ -63,7 +64,7 @@ class Exchange
 {
 public:
     explicit Exchange(double burstSeconds = 16)
-        : mounts_(catalogue_, StreamMounts::defaultLoopsDirectory(), burstSeconds)
+        : mounts_(catalogue_, library_, burstSeconds)
     {
         server_.setHandler([this](HttpConnection &connection) {
             if (!mounts_.serve(connection, RequestTarget(connection.request().target))) {
@@ -96,6 +97,7 @@ public:
 
 private:
     BuiltinCatalogue catalogue_;
+    SoundLibrary library_{SoundLibrary::defaultDirectory()};
     StreamMounts mounts_;
     HttpServer server_;
 };
@@ -300,7 +302,7 @@ private Q_SLOTS:
 
     void oggLoopsAreOneStream()
     {
-        QFile file(StreamMounts::defaultLoopsDirectory() + QStringLiteral("/2.ogg"));
+        QFile file(SoundLibrary::defaultDirectory() + QStringLiteral("/2.ogg"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         OggLoop loop(file.readAll());
         QVERIFY(loop.pageCount() > 100);

@@ -121,6 +121,9 @@ void TestInfo::areaShowsWhatIsHeard_data()
                                    << 12;
     QTest::newRow("no bit rate") << with([](StreamInfo &info) { info.bitrate = 0; })
                                  << QStringList{u"A - B"_s, u"MP3"_s, u"12 s"_s} << 12;
+    QTest::newRow("not verified") << with([](StreamInfo &info) { info.isUnverified = true; })
+                                  << QStringList{u"A - B"_s, format + u" \u00B7 not verified"_s, u"12 s"_s}
+                                  << 12;
     QTest::newRow("dry") << buffered(0) << QStringList{u"A - B"_s, format, u"0 s"_s} << 0;
     QTest::newRow("seconds") << buffered(99) << QStringList{u"A - B"_s, format, u"99 s"_s} << 20;
     QTest::newRow("minutes") << buffered(100) << QStringList{u"A - B"_s, format, u"1 min"_s} << 20;
@@ -156,6 +159,7 @@ void TestInfo::areaShowsWhatIsHeard()
     QTEST(stage.find<QProgressBar>("bufferBar")->value(), "bar");
     QVERIFY(stage.showsBar());
     QCOMPARE(places(), before);
+    QCOMPARE(stage.find("formatLabel")->toolTip().contains(u"certificate"_s), info.isUnverified);
     const QAccessibleInterface *bar = QAccessible::queryAccessibleInterface(stage.find("bufferBar"));
     QCOMPARE(bar->role(), QAccessible::ProgressBar);
     QVERIFY(!bar->text(QAccessible::Name).isEmpty());

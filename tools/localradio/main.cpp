@@ -8,7 +8,10 @@
 #include "localradio/http/requestlog.h"
 #include "localradio/services/directoryservice.h"
 #include "localradio/services/faultservice.h"
+#include "localradio/services/hlsservice.h"
+#include "localradio/services/kindlist.h"
 #include "localradio/services/streammounts.h"
+#include "localradio/sound/soundlibrary.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -36,12 +39,17 @@ for Y stations after skipping X.
   /sbin/tunein-station.pls?id=ID                  also .m3u and .xspf
   /stream/ID                                      live MP3, AAC or Ogg Vorbis
   /private/ID                                     the same, for one user only
+  /kind/NAME                                      one stream of every kind
+  /hls/master.m3u8, /hls/VARIANT.m3u8             the same as HLS; variants are
+                                                  low, mid, high and video
+  /private/kind/NAME, /private/hls/...            for one user only
 
 A second port, on the second line of output, serves the same. To learn how the
 streams are made to go wrong, see --help-faults.
 
 The built-in stations are invented, the same ones in every run. Each plays a
-soft tone of its own; --list tells the pitch.
+soft tone of its own; --list tells the pitch, and --list-kinds that of every
+kind and of HLS of every shape.
 
 To run a small directory of your own, write the stations into a JSON file and
 start with --catalogue FILE. It is an array with one object a station:
@@ -73,6 +81,7 @@ struct Options
     QString loops;
     double burstSeconds = 0;
     bool list = false;
+    bool listKinds = false;
     bool faults = false;
 };
 
@@ -103,12 +112,15 @@ Options readOptions(const QCoreApplication &application)
         QStringLiteral("FILE"));
     const QCommandLineOption loops(QStringLiteral("loops"),
                                    QStringLiteral("Where the loops are that the built-in stations play."),
-                                   QStringLiteral("DIR"), StreamMounts::defaultLoopsDirectory());
+                                   QStringLiteral("DIR"), SoundLibrary::defaultDirectory());
     const QCommandLineOption burst(QStringLiteral("burst"),
                                    QStringLiteral("Audio that a new listener gets at once, 0 to 600."),
                                    QStringLiteral("SECONDS"), QStringLiteral("16"));
     const QCommandLineOption list(QStringLiteral("list"),
                                   QStringLiteral("Print the catalogue as JSON, pitches in Hz, and end."));
+    const QCommandLineOption listKinds(
+        QStringLiteral("list-kinds"),
+        QStringLiteral("Print every kind of sound that is served, likewise, and end."));
 
     const QCommandLineOption faults(QStringLiteral("faults"),
                                     QStringLiteral("Add stations, and searches, at which "
@@ -121,8 +133,8 @@ Options readOptions(const QCoreApplication &application)
     parser.setApplicationDescription(QString::fromUtf8(description));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions(
-        {port, secondPort, key, log, catalogue, loops, burst, user, password, list, faults, helpFaults});
+    parser.addOptions({port, secondPort, key, log, catalogue, loops, burst, user, password, list, listKinds,
+                       faults, helpFaults});
     parser.process(application);
     if (parser.isSet(helpFaults)) {
         std::fputs(faultHelp, stdout);
@@ -142,6 +154,7 @@ Options readOptions(const QCoreApplication &application)
                     parser.value(loops),
                     parser.value(burst).toDouble(&burstValid),
                     parser.isSet(list),
+                    parser.isSet(listKinds),
                     parser.isSet(faults)};
     if (!portValid || !secondPortValid) {
         throw std::runtime_error("--port and --second-port must be numbers from 0 to 65535");
@@ -195,6 +208,11 @@ int run(const QCoreApplication &application)
         return 0;
     }
 
+    if (options.listKinds) {
+        std::fputs(kindList().constData(), stdout);
+        return 0;
+    }
+
     RequestLog log;
     if (!options.log.isEmpty() && !log.open(options.log)) {
         throw std::runtime_error("cannot write the log: " + log.errorString().toStdString());
@@ -205,12 +223,14 @@ int run(const QCoreApplication &application)
     listen(server, options.port);
     listen(secondServer, options.secondPort);
     const DirectoryService directory(*catalogue, options.key, server.origin());
-    StreamMounts mounts(*catalogue, options.loops, options.burstSeconds,
-                        {server.port(), secondServer.port()});
+    const Ports ports{server.port(), secondServer.port()};
+    SoundLibrary library(options.loops);
+    StreamMounts mounts(*catalogue, library, options.burstSeconds, ports);
+    HlsService hls(library, ports);
     FaultService faults(server);
     std::optional<AnswerFaults> answerFaults;
     if (options.faults) {
-        answerFaults.emplace(catalogue->stations().front().id, Ports{server.port(), secondServer.port()});
+        answerFaults.emplace(catalogue->stations().front().id, ports);
     }
     const BasicLock lock(options.user, options.password);
     const auto handler = [&](HttpConnection &connection) {
@@ -218,7 +238,8 @@ int run(const QCoreApplication &application)
         if (target.path().startsWith(StreamMounts::privatePrefix) && !lock.opensFor(connection.request())) {
             connection.answer(BasicLock::challenge());
         } else if (!(answerFaults && answerFaults->serve(connection, target)) &&
-                   !mounts.serve(connection, target) && !faults.serve(connection, target)) {
+                   !mounts.serve(connection, target) && !hls.serve(connection, target) &&
+                   !faults.serve(connection, target)) {
             connection.answer(directory.answer(target));
         }
     };

@@ -98,11 +98,18 @@ void HeardReport::cacheChanged(const mpv_node *state)
     report();
 }
 
+void HeardReport::setUnverified(bool isUnverified)
+{
+    isUnverified_ = isUnverified;
+    report();
+}
+
 void HeardReport::report()
 {
     heard_->setInfo(codec_.isEmpty() ? StreamInfo{}
                                      : StreamInfo{.title = toldTitle_.isEmpty() ? taggedTitle_ : toldTitle_,
                                                   .codec = codec_,
                                                   .bitrate = bitrate_ > 0 ? bitrate_ : announcedBitrate_,
-                                                  .buffered = buffered_.value_or(0)});
+                                                  .buffered = buffered_.value_or(0),
+                                                  .isUnverified = isUnverified_});
 }

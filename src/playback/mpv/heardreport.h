@@ -28,6 +28,8 @@ public:
     void trackChanged(const mpv_node *track);
     /// "demuxer-cache-state".
     void cacheChanged(const mpv_node *state);
+    /// Whether the certificate of the server that the sound comes from could not be verified.
+    void setUnverified(bool isUnverified);
 
 private:
     void report();
@@ -43,4 +45,5 @@ private:
     int bitrate_ = 0;
     int announcedBitrate_ = 0;
     std::optional<int> buffered_;
+    bool isUnverified_ = false;
 };

@@ -115,8 +115,10 @@ void MpvItem::begin()
     load_ = std::make_unique<StreamLoad>(*handle_, request_);
     connect(load_.get(), &StreamLoad::titleHeard, this,
             [this](const QByteArray &title) { heardReport_->titleHeard(title); });
-    connect(load_.get(), &StreamLoad::factsChanged, this,
-            [this](const StreamSource::Facts &facts) { heardReport_->bitrateAnnounced(facts.bitrate); });
+    connect(load_.get(), &StreamLoad::factsChanged, this, [this](const StreamSource::Facts &facts) {
+        heardReport_->bitrateAnnounced(facts.bitrate);
+        heardReport_->setUnverified(facts.isUnverified);
+    });
     // An observer of the failure may release the player, and what signals it.
     connect(load_.get(), &StreamLoad::failed, this, &MpvItem::fail, Qt::QueuedConnection);
     load_->start();

@@ -19,7 +19,7 @@ constexpr std::array<std::chrono::milliseconds, 4> pauses{250ms, 500ms, 1s, 2s};
 /// What a connection has to bring for the attempts to begin anew.
 constexpr quint64 worthwhileBytes = 8 * 1024;
 /// How many attempts a stream is worth that nobody has heard yet.
-constexpr int attemptsBeforeSound = 2;
+constexpr int earlyAttempts = 2;
 /// After how many refusals a silent connection is given up: it may be what the server refuses another for.
 constexpr int refusalsBesideSilence = 2;
 } // namespace
@@ -122,7 +122,7 @@ void LiveStream::scheduleAttempt()
     if (next_ != nullptr || pause_.isActive()) {
         return;
     }
-    if (!isSettled() && attempts_ >= attemptsBeforeSound) {
+    if (!isSettled() && attempts_ >= earlyAttempts) {
         finish();
         return;
     }

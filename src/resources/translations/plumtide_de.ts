@@ -178,6 +178,14 @@
         <source>%1 h</source>
         <translation>%1 h</translation>
     </message>
+    <message>
+        <source>%1 · not verified</source>
+        <translation>%1 · nicht geprüft</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate could not be verified.</source>
+        <translation>Das Zertifikat des Servers konnte nicht geprüft werden.</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>

@@ -1,5 +1,6 @@
 #include "ui/panels/infoview.h"
 
+#include "ui/widgets/plaintooltip.h"
 #include "ui_infoview.h"
 
 #include <QHBoxLayout>
@@ -22,7 +23,9 @@ constexpr int longestCount = 99;
 
 QString formatText(const StreamInfo &info)
 {
-    return info.bitrate > 0 ? InfoView::tr("%1 %2 kbit/s").arg(info.codec).arg(info.bitrate) : info.codec;
+    const QString format =
+        info.bitrate > 0 ? InfoView::tr("%1 %2 kbit/s").arg(info.codec).arg(info.bitrate) : info.codec;
+    return info.isUnverified ? InfoView::tr("%1 · not verified").arg(format) : format;
 }
 
 /// A paused station may load hours of sound.
@@ -85,6 +88,8 @@ void InfoView::setInfo(const StreamInfo &info)
     }
     ui_->nowPlayingLabel->setText(info.title);
     ui_->formatLabel->setText(formatText(info));
+    ui_->formatLabel->setToolTip(
+        info.isUnverified ? plainToolTip(tr("The server's certificate could not be verified.")) : QString());
     ui_->bufferLabel->setText(playing_ ? durationText(info.buffered) : QString());
     ui_->bufferBar->setValue(std::min(info.buffered, ui_->bufferBar->maximum()));
     showBar();

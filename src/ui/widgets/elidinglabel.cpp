@@ -31,7 +31,8 @@ QSize ElidingLabel::minimumSizeHint() const
 bool ElidingLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && !fits(brokenLines().last())) {
-        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()) + toolTip(),
+                           this);
         return true;
     }
     return QLabel::event(event);

@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// A label of one line of plain text, or of a few. What does not fit is elided, so that the width of a text
-/// never moves its neighbours; the tooltip then shows the whole text.
+/// never moves its neighbours; the whole text then stands above its tooltip.
 class ElidingLabel : public QLabel
 {
     Q_OBJECT

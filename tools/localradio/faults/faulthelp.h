@@ -5,8 +5,8 @@ namespace localradio {
 /// What `--help-faults` prints.
 inline constexpr char faultHelp[] = R"(What can be made to go wrong.
 
-Any stream, /stream/ID or /private/ID, takes these parameters in its query.
-They can be combined; a value that makes no sense is answered with status 400
+Any stream, /stream/ID, /private/ID or /kind/NAME (see --list-kinds), takes
+these parameters in its query. They can be combined; a value that makes no sense is answered with status 400
 and a line that says which.
 
   status=N            that status, 100 to 599, and a short text instead
@@ -66,6 +66,42 @@ stall-after and rate as well, and these:
   pad=BYTES           so many bytes of comments before the entries, 16 MiB at
                       most
   endless=1           comments without end after the entries
+
+HLS is served at /hls/master.m3u8 and /hls/VARIANT.m3u8, where variants are low,
+mid, high and video, the last as form=ts only. Of these parameters the master
+hands on those that are for the lists of segments:
+
+  form=ts|fmp4|aac    what segments are, ts if left out
+  list=live|event|vod live if left out
+  window=N            segments in the list, 6 if left out; of an event those
+                      before the start
+  variants=NAME,...   of the master, low,high,mid if left out
+  renditions=1        every variant has its sound in a rendition of its own
+  key=aes|aes-iv|rotate
+                      segments are encrypted: with the vector that their number
+                      is, with a vector that is told, with a new key after
+                      every four
+  address=root|absolute|port
+                      addresses without scheme and host, with both, and on the
+                      other port; relative if left out
+  ranges=1            segments are ranges of a longer file
+  discontinuity=1     times begin anew every 30.72 s
+  itself=1            the list names itself in place of segments or variants
+  endless=1           comments without end at the end of the list
+  stall=SECONDS       the list changes no more, so long after it was asked for
+  skip=N              after every ten segments, N numbers are left out
+  other-variant=ADDRESS, other-segment=, other-key=, other-map=
+                      what stands in place of these addresses, as it stands
+
+and any list, segment or key takes status, redirect, close-after, reset-after,
+stall-after and rate as a stream does, and with the first two of these:
+
+  times=N             only the first N times that it is asked for
+  every=N             only those segments whose number can be divided by N
+
+A list hands on what begins with "segment-" to its segments and with "key-" to
+its keys, without that: segment-status=404&segment-times=1. The master likewise
+hands on what begins with "media-" to its variants.
 
 As in any query, an "&" or "+" within a value is written %26 or %2B.
 

@@ -9,6 +9,8 @@ QByteArray reasonFor(int status)
     switch (status) {
     case 200:
         return "OK";
+    case 206:
+        return "Partial Content";
     case 302:
         return "Found";
     case 400:

@@ -19,6 +19,9 @@ public:
     /// The decoded path.
     const QString &path() const { return path_; }
 
+    /// All parameters, decoded and in their order.
+    const QList<QPair<QString, QString>> &parameters() const { return parameters_; }
+
     /// The decoded value of the first parameter of that name; a null string if there is none.
     QString parameter(QLatin1StringView name) const;
 

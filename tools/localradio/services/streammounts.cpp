@@ -6,11 +6,9 @@
 #include "localradio/services/listener.h"
 #include "localradio/sound/byteloop.h"
 #include "localradio/sound/randombytes.h"
-
-#include <QFile>
+#include "localradio/sound/soundlibrary.h"
 
 #include <chrono>
-#include <cmath>
 
 using namespace std::chrono_literals;
 
@@ -24,9 +22,8 @@ bool isAudio(StreamFaults::Body body)
     return body == StreamFaults::Body::Station || body == StreamFaults::Body::Endless;
 }
 
-/// What a stream consists of; `loop` is the station's. Null if that holds nothing to play.
-std::unique_ptr<AudioSource> sourceFor(const Station &station, StreamFaults::Body body,
-                                       const QByteArray &loop)
+/// What a stream consists of. Null if that holds nothing to play.
+std::unique_ptr<AudioSource> sourceFor(const Programme &programme, StreamFaults::Body body)
 {
     if (body == StreamFaults::Body::Random) {
         return std::make_unique<RandomBytes>();
@@ -34,18 +31,18 @@ std::unique_ptr<AudioSource> sourceFor(const Station &station, StreamFaults::Bod
     if (body == StreamFaults::Body::Zeros) {
         return std::make_unique<ByteLoop>(QByteArray(16 * 1024, '\0'), 0);
     }
-    return AudioSource::create(loopFormat(station.mount->loop), loop);
+    return programme.play();
 }
 
-QByteArray streamHead(const Station &station, const StreamFaults &faults, bool titles)
+QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bool titles)
 {
-    const bool old = station.mount->oldStatusLine || faults.icy.oldStatusLine;
+    const bool old = programme.oldStatusLine || faults.icy.oldStatusLine;
     QByteArray head = old ? "ICY 200 OK\r\n" : "HTTP/1.0 200 OK\r\n";
     head += "Server: localradio\r\nCache-Control: no-cache\r\nContent-Type: ";
-    head += faults.contentType.value_or(isAudio(faults.body) ? station.mediaType.toUtf8() : "audio/mpeg");
-    head += "\r\nicy-name: " + station.name.toUtf8();
-    head += "\r\nicy-genre: " + station.genres.join(u", ").toUtf8();
-    head += "\r\nicy-br: " + QByteArray::number(station.bitrate) + "\r\n";
+    head += faults.contentType.value_or(isAudio(faults.body) ? programme.mediaType : "audio/mpeg");
+    head += "\r\nicy-name: " + programme.name.toUtf8();
+    head += "\r\nicy-genre: " + programme.genre.toUtf8();
+    head += "\r\nicy-br: " + QByteArray::number(programme.bitrate) + "\r\n";
     if (titles) {
         head += "icy-metaint: " + faults.icy.announcedInterval + "\r\n";
     }
@@ -58,23 +55,22 @@ QByteArray streamHead(const Station &station, const StreamFaults &faults, bool t
     return head + "\r\n";
 }
 
-/// What the station plays that many seconds after the mounts went on air; before it, if negative. Every
-/// station changes tracks at a pace of its own, between 8 and 15 seconds.
-QByteArray trackAt(const Station &station, double seconds)
+/// What stands behind the prefix that `path` begins with, privately or not; a null string if it does not.
+QString behind(QStringView path, QLatin1StringView prefix)
 {
-    const int pace = 8 + station.id % 8;
-    const auto count = station.mount->tracks.size();
-    const auto turn = static_cast<qsizetype>(std::floor(seconds / pace)) % count;
-    return station.mount->tracks[(turn + count) % count].toUtf8();
+    if (path.startsWith(StreamMounts::privatePrefix)) {
+        path = path.sliced(StreamMounts::privatePrefix.size() - 1);
+    }
+    return path.startsWith(prefix) ? path.sliced(prefix.size()).toString() : QString();
 }
 
 } // namespace
 
-StreamMounts::StreamMounts(const Catalogue &catalogue, QString loopsDirectory, double burstSeconds,
+StreamMounts::StreamMounts(const Catalogue &catalogue, SoundLibrary &library, double burstSeconds,
                            const Ports &ports, QObject *parent)
     : QObject(parent)
     , catalogue_(catalogue)
-    , loopsDirectory_(std::move(loopsDirectory))
+    , library_(library)
     , burstSeconds_(burstSeconds)
     , ports_(ports)
 {
@@ -84,8 +80,8 @@ StreamMounts::StreamMounts(const Catalogue &catalogue, QString loopsDirectory, d
 
 bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target)
 {
-    const Station *station = stationAt(target.path());
-    if (station == nullptr) {
+    const auto programme = programmeAt(target.path());
+    if (!programme) {
         return false;
     }
     const StreamFaults faults = StreamFaults::read(target);
@@ -95,25 +91,24 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
         return true;
     }
 
-    const QByteArray loop = loopAudio(station->mount->loop);
-    auto source = sourceFor(*station, faults.body, loop);
+    auto source = sourceFor(*programme, faults.body);
     if (!source) {
-        outlet->answer(Answer::plain(503, "The loop of this station cannot be read"));
+        outlet->answer(Answer::plain(503, "The sound of this station cannot be read"));
         return true;
     }
     if (faults.tag) {
         source = std::make_unique<TaggedSource>(*faults.tag, std::move(source));
     }
-    const Pace live{static_cast<double>(loop.size()) / loopSeconds, burstSeconds_};
-    const bool titles = isAudio(faults.body) && loopFormat(station->mount->loop) != Format::Ogg &&
-                        connection.request().header("Icy-MetaData") == "1";
-    outlet->begin(200, streamHead(*station, faults, titles));
+    const Pace live{programme->bytesPerSecond, burstSeconds_};
+    const bool titles =
+        isAudio(faults.body) && programme->hasTitles && connection.request().header("Icy-MetaData") == "1";
+    outlet->begin(200, streamHead(*programme, faults, titles));
     if (!connection.isStreaming()) {
         return true;
     }
     std::optional<IcyWeaver> weaver;
     if (titles && faults.icy.interval > 0) {
-        weaver = weaverFor(*station, faults.icy, live.bytesPerSecond);
+        weaver = weaverFor(*programme, faults.icy);
     }
     const bool paced = faults.body == StreamFaults::Body::Station && !faults.tag;
     attach(new Listener(*outlet, std::move(source), paced ? std::optional(live) : std::nullopt,
@@ -121,24 +116,57 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
     return true;
 }
 
-const Station *StreamMounts::stationAt(const QString &path) const
+std::optional<Programme> StreamMounts::programmeAt(const QString &path)
 {
-    for (const QLatin1StringView prefix : {QLatin1StringView("/stream/"), privatePrefix}) {
-        if (path.startsWith(prefix)) {
-            const Station *station = catalogue_.find(path.mid(prefix.size()).section(u';', 0, 0).toInt());
-            return station != nullptr && station->mount ? station : nullptr;
-        }
+    const QByteArray kindName = behind(path, kindPrefix).toUtf8();
+    if (const Kind *kind = findKind(kindName.toStdString()); kind != nullptr && kind->isStream) {
+        return programmeOf(*kind);
     }
-    return nullptr;
+    QString id = behind(path, QLatin1StringView("/stream/"));
+    if (path.startsWith(privatePrefix)) {
+        id = path.sliced(privatePrefix.size());
+    }
+    const Station *station = catalogue_.find(id.section(u';', 0, 0).toInt());
+    return station != nullptr && station->mount ? std::optional(programmeOf(*station)) : std::nullopt;
 }
 
-IcyWeaver StreamMounts::weaverFor(const Station &station, const IcyStyle &style, double bytesPerSecond) const
+Programme StreamMounts::programmeOf(const Station &station)
+{
+    const Format format = loopFormat(station.mount->loop);
+    const QByteArray &loop = library_.loop(station.mount->loop);
+    return {.number = station.id,
+            .name = station.name,
+            .genre = station.genres.join(u", "),
+            .mediaType = station.mediaType.toUtf8(),
+            .bitrate = station.bitrate,
+            .bytesPerSecond = static_cast<double>(loop.size()) / loopSeconds,
+            .hasTitles = format != Format::Ogg,
+            .oldStatusLine = station.mount->oldStatusLine,
+            .tracks = station.mount->tracks,
+            .play = [format, loop] { return AudioSource::create(format, loop); }};
+}
+
+Programme StreamMounts::programmeOf(const Kind &kind)
+{
+    const auto name = QString::fromLatin1(kind.name.data(), static_cast<qsizetype>(kind.name.size()));
+    const double bytesPerSecond = static_cast<double>(library_.file(kind).size()) / kindSeconds;
+    return {.name = QStringLiteral("Kind: ") + name,
+            .genre = QStringLiteral("Kinds"),
+            .mediaType = kind.mediaType,
+            .bitrate = static_cast<int>(bytesPerSecond * 8 / 1000),
+            .bytesPerSecond = bytesPerSecond,
+            .hasTitles = kind.container == Container::Frames,
+            .tracks = {QStringLiteral("The Kinds - First"), QStringLiteral("The Kinds - Second")},
+            .play = [this, &kind] { return library_.source(kind); }};
+}
+
+IcyWeaver StreamMounts::weaverFor(const Programme &programme, const IcyStyle &style) const
 {
     // Titles change with the sound: the burst is what was on air just before.
     const double joined = static_cast<double>(onAir_.elapsed()) / 1000.0 - burstSeconds_;
-    const auto titleAt = [&station, joined, bytesPerSecond, title = style.title](qint64 audioByte) {
-        const double seconds = joined + static_cast<double>(audioByte) / bytesPerSecond;
-        return title(trackAt(station, seconds), audioByte);
+    const auto titleAt = [programme, joined, title = style.title](qint64 audioByte) {
+        const double seconds = joined + static_cast<double>(audioByte) / programme.bytesPerSecond;
+        return title(programme.trackAt(seconds), audioByte);
     };
     return IcyWeaver(titleAt, style.interval, style.block);
 }
@@ -155,24 +183,6 @@ void StreamMounts::attach(Listener *listener)
         pump_.start();
     }
     listener->pump();
-}
-
-QString StreamMounts::defaultLoopsDirectory()
-{
-    return QStringLiteral(LOCALRADIO_LOOPS_DIRECTORY);
-}
-
-QByteArray StreamMounts::loopAudio(int index)
-{
-    QByteArray &loop = loops_.at(static_cast<std::size_t>(index));
-    if (loop.isEmpty()) {
-        QFile file(loopsDirectory_ + u'/' + QString::number(index) +
-                   QLatin1StringView(factsOf(loopFormat(index)).suffix));
-        if (file.open(QIODevice::ReadOnly)) {
-            loop = file.readAll();
-        }
-    }
-    return loop;
 }
 
 } // namespace localradio

@@ -3,23 +3,26 @@
 #include "localradio/catalogue/catalogue.h"
 #include "localradio/http/ports.h"
 #include "localradio/http/requesttarget.h"
-#include "localradio/sound/loops.h"
+#include "localradio/services/programme.h"
 
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
-#include <array>
+#include <optional>
 
 namespace localradio {
 
 class HttpConnection;
 class IcyWeaver;
 class Listener;
+class SoundLibrary;
 struct IcyStyle;
+struct Kind;
 
 /// The live streams of a catalogue's stations, at "/stream/ID" and "/private/ID" with anything after a
-/// semicolon, and with the faults that the query asks for. Who may hear the private ones is not decided here.
+/// semicolon, and of every kind of sound, at "/kind/NAME" and "/private/kind/NAME"; with the faults that the
+/// query asks for. Who may hear the private ones is not decided here.
 class StreamMounts : public QObject
 {
     Q_OBJECT
@@ -28,30 +31,29 @@ public:
     /// What the paths of streams begin with that are for some listeners only.
     static constexpr QLatin1StringView privatePrefix{"/private/"};
 
-    /// `catalogue` must outlive the mounts. New listeners get `burstSeconds` of audio at once. The loops
-    /// are read from `loopsDirectory` when they are first heard. `ports` are where redirects may lead.
-    StreamMounts(const Catalogue &catalogue, QString loopsDirectory, double burstSeconds,
+    static constexpr QLatin1StringView kindPrefix{"/kind/"};
+
+    /// `catalogue` and `library` must outlive the mounts. New listeners get `burstSeconds` of audio at once.
+    /// `ports` are where redirects may lead.
+    StreamMounts(const Catalogue &catalogue, SoundLibrary &library, double burstSeconds,
                  const Ports &ports = {}, QObject *parent = nullptr);
 
     /// Answers the request of `connection` for `target` with a stream. False, and nothing is answered, if
-    /// there is no such mount; a mount whose loop cannot be read answers with status 503. Throws BadParameter
-    /// for a fault that makes no sense.
+    /// there is no such mount; a mount whose sound cannot be read answers with status 503. Throws
+    /// BadParameter for a fault that makes no sense.
     bool serve(HttpConnection &connection, const RequestTarget &target);
 
-    /// Where the build has put the loops.
-    static QString defaultLoopsDirectory();
-
 private:
-    const Station *stationAt(const QString &path) const;
-    IcyWeaver weaverFor(const Station &station, const IcyStyle &style, double bytesPerSecond) const;
+    std::optional<Programme> programmeAt(const QString &path);
+    Programme programmeOf(const Station &station);
+    Programme programmeOf(const Kind &kind);
+    IcyWeaver weaverFor(const Programme &programme, const IcyStyle &style) const;
     void attach(Listener *listener);
-    QByteArray loopAudio(int index);
 
     const Catalogue &catalogue_;
-    QString loopsDirectory_;
+    SoundLibrary &library_;
     double burstSeconds_;
     Ports ports_;
-    std::array<QByteArray, loopCount> loops_;
     QElapsedTimer onAir_;
     QTimer pump_; // runs while somebody listens
     int listeners_ = 0;

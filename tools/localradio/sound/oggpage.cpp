@@ -3,6 +3,7 @@
 #include <QtEndian>
 
 #include <array>
+#include <utility>
 
 namespace localradio {
 
@@ -11,10 +12,13 @@ namespace {
 // Offsets in the header of a page (RFC 3533, section 6).
 constexpr qsizetype flagsAt = 5;
 constexpr qsizetype granuleAt = 6;
+constexpr qsizetype serialAt = 14;
 constexpr qsizetype sequenceAt = 18;
 constexpr qsizetype checksumAt = 22;
 constexpr qsizetype segmentCountAt = 26;
 constexpr qsizetype segmentsAt = 27;
+
+constexpr int fullSegment = 255; // of a packet that goes on
 
 constexpr std::array<quint32, 256> makeChecksumTable()
 {
@@ -61,6 +65,30 @@ std::vector<OggPage> OggPage::pagesOf(const QByteArray &data)
     return pages;
 }
 
+QList<QByteArray> OggPage::packetsOf(const QByteArray &data)
+{
+    QList<QByteArray> packets;
+    QByteArray packet;
+    for (const OggPage &page : pagesOf(data)) {
+        const auto segments = static_cast<unsigned char>(page.bytes_[segmentCountAt]);
+        qsizetype at = segmentsAt + segments;
+        for (const char segment : page.bytes_.mid(segmentsAt, segments)) {
+            const auto size = static_cast<unsigned char>(segment);
+            packet += page.bytes_.mid(at, size);
+            at += size;
+            if (size < fullSegment) {
+                packets.append(std::exchange(packet, {}));
+            }
+        }
+    }
+    return packets;
+}
+
+bool OggPage::isFirst() const
+{
+    return isValid() && (static_cast<unsigned char>(bytes_[flagsAt]) & 0x02U) != 0;
+}
+
 bool OggPage::isContinued() const
 {
     return isValid() && (static_cast<unsigned char>(bytes_[flagsAt]) & 0x01U) != 0;
@@ -75,6 +103,18 @@ void OggPage::setGranulePosition(qint64 position)
 {
     if (isValid()) {
         qToLittleEndian(position, bytes_.data() + granuleAt);
+    }
+}
+
+quint32 OggPage::serialNumber() const
+{
+    return isValid() ? qFromLittleEndian<quint32>(bytes_.constData() + serialAt) : 0;
+}
+
+void OggPage::setSerialNumber(quint32 number)
+{
+    if (isValid()) {
+        qToLittleEndian(number, bytes_.data() + serialAt);
     }
 }
 

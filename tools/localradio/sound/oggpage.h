@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 
 #include <vector>
 
@@ -17,6 +18,9 @@ public:
     /// The pages that stand one behind the other from the beginning of `data`, up to where there is none.
     static std::vector<OggPage> pagesOf(const QByteArray &data);
 
+    /// The whole packets of the only stream of `data`.
+    static QList<QByteArray> packetsOf(const QByteArray &data);
+
     bool isValid() const { return !bytes_.isEmpty(); }
 
     /// The page as it stands in a stream; empty if it is not valid.
@@ -26,10 +30,17 @@ public:
     /// Whether its first packet began on the page before.
     bool isContinued() const;
 
+    /// Whether its stream begins with it.
+    bool isFirst() const;
+
     /// Samples up to the end of the last packet that ends on this page; 0 on the header pages of Vorbis.
     qint64 granulePosition() const;
     void setGranulePosition(qint64 position);
     void setSequenceNumber(quint32 number);
+
+    /// Which stream of a file it belongs to.
+    quint32 serialNumber() const;
+    void setSerialNumber(quint32 number);
 
     /// Makes the checksum right again after any of the setters.
     void updateChecksum();
