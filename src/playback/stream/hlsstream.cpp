@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 namespace {
 /// How long a server may take to answer, and to give all of what is not sound.
 constexpr std::chrono::milliseconds hlsAnswerTime = 5s;
-/// How long after a failure the next attempt is made.
+/// How long after an attempt that fails the next one begins, at least.
 constexpr std::array<std::chrono::milliseconds, 4> hlsPauses{250ms, 500ms, 1s, 2s};
 /// How many attempts at a playlist a variant is worth while there is another one to try, and how many
 /// playlists without news a stream is that nobody has heard yet.
@@ -29,12 +29,6 @@ constexpr int lossesOfSegment = 4;
 constexpr quint64 longestSegmentBytes = 64ULL * 1024 * 1024;
 constexpr qint64 longestPlaylistBytes = 256LL * 1024;
 constexpr qint64 longestHeaderBytes = 1024LL * 1024;
-
-std::chrono::milliseconds pauseAfter(int failures)
-{
-    const auto index = static_cast<std::size_t>(std::max(failures - 1, 0));
-    return hlsPauses.at(std::min(index, hlsPauses.size() - 1));
-}
 } // namespace
 
 HlsStream::HlsStream(const StreamAccess &access, QUrl address, StreamConnection &connection, QObject *parent)
@@ -89,6 +83,14 @@ void HlsStream::proceed()
 void HlsStream::wait(std::chrono::milliseconds time)
 {
     pause_.start(std::max(time, 0ms));
+}
+
+/// Each attempt begins a while after the one before.
+void HlsStream::waitAfter(int failures)
+{
+    const auto index = static_cast<std::size_t>(std::max(failures - 1, 0));
+    wait(hlsPauses.at(std::min(index, hlsPauses.size() - 1)) -
+         std::chrono::milliseconds(sinceFetch_.elapsed()));
 }
 
 /// What the segment needs goes before it.
@@ -170,7 +172,7 @@ void HlsStream::playlistFailed()
     }
     isReloadDue_ = true;
     isTopWanted_ = !isTopWanted_;
-    wait(pauseAfter(playlistFailures_));
+    waitAfter(playlistFailures_);
 }
 
 void HlsStream::useVariant(qsizetype index)
@@ -311,7 +313,7 @@ void HlsStream::segmentFailed(HlsFetch::End end)
     if (!isRefused && segmentFailures_ == lossesUntilReload) {
         isReloadDue_ = true;
     }
-    wait(pauseAfter(segmentFailures_));
+    waitAfter(segmentFailures_);
 }
 
 void HlsStream::passSegment()
@@ -364,6 +366,7 @@ HlsFetch &HlsStream::open(const QUrl &url, const HlsRange &range, HlsFetch::Pace
 {
     HttpRequest request = access_.requestFor(url, hlsAnswerTime);
     request.maximumBytes = most;
+    sinceFetch_.start();
     fetch_.reset(new HlsFetch(this));
     fetch_->start(request, range, pace);
     return *fetch_;

@@ -59,6 +59,7 @@ private:
     void proceed();
     void deliver(const HlsSegment &segment);
     void wait(std::chrono::milliseconds time);
+    void waitAfter(int failures);
 
     void takePlaylist(const QByteArray &text, const QUrl &base, bool isTop);
     void fetchPlaylist();
@@ -109,5 +110,6 @@ private:
     bool isOver_ = false;
 
     std::unique_ptr<HlsFetch, DeleteLater> fetch_;
+    QElapsedTimer sinceFetch_;
     QTimer pause_;
 };
