@@ -195,7 +195,7 @@ def draw_arrows_within_rooms(layout, arrows):
         if start.startswith(end + "/"):
             level = y + height - 12
             line, point, number = f"M{x} {level}H{x - 24}", head(x - 32, level, "left", colour), (x - 18, level - 6)
-        elif end.startswith(start + "/"):
+        elif "/" not in start and end.startswith(start + "/"):
             level = end_y + 20
             line, point, number = f"M{end_x - 32} {level}H{end_x - 8}", head(end_x, level, "right", colour), (end_x - 30, level - 6)
         elif end_y == y:
