@@ -268,7 +268,8 @@ TransferEnd HttpTransfer::endOf(CURLcode result) const
     if (result == CURLE_OK && isHeadComplete_) {
         return TransferEnd::Complete;
     }
-    if (result == CURLE_PEER_FAILED_VERIFICATION) {
+    // The latter where there is nothing to verify it with.
+    if (result == CURLE_PEER_FAILED_VERIFICATION || result == CURLE_SSL_CACERT_BADFILE) {
         return TransferEnd::Unverified;
     }
     curl_off_t connected = 0;

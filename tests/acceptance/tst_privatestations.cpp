@@ -1,6 +1,5 @@
 #include "playback/privatestream.h"
 #include "playback/stream/streamaccess.h"
-#include "support/encryptedserver.h"
 #include "support/localradio.h"
 #include "support/stage.h"
 
@@ -32,7 +31,6 @@ private Q_SLOTS:
     void requestsCarryHeaders();
     void othersGetNoHeaders();
     void refusedCredentialsFail();
-    void certificatesAreVerified();
     void slowServersPlay_data();
     void slowServersPlay();
     void cleanupTestCase() { stage_.reset(); }
@@ -139,26 +137,6 @@ void TestPrivateStations::refusedCredentialsFail()
     play(server, u"/sound"_s, usualTimeout);
     QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
     QCOMPARE(server.requests().size(), 1);
-}
-
-/// A server without a trusted certificate is played, but is sent no credentials.
-void TestPrivateStations::certificatesAreVerified()
-{
-    const EncryptedServer server(burst_, EncryptedServer::After::StayOpen);
-    QVERIFY(server.isReady());
-    const QUrl address(u"https://localhost:%1/sound"_s.arg(server.serverPort()));
-    stage_->settings.setValue("timeout_value", usualTimeout);
-    directory_.leadTo({address.toEncoded()});
-    stage_->doubleClick(0);
-    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
-    QVERIFY(server.requests().startsWith("GET /sound "));
-    const qsizetype before = server.requests().size();
-
-    station_ = privateStation(address, u"/sound"_s, u"user"_s, u"pass"_s);
-    station_->setRadioscheme(u"https"_s);
-    stage_->play(station_);
-    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::failure, Stage::soundTime);
-    QCOMPARE(server.requests().size(), before);
 }
 
 void TestPrivateStations::slowServersPlay_data()

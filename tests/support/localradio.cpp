@@ -7,20 +7,30 @@
 
 namespace {
 constexpr int startTime = 10'000;
+
+QString program()
+{
+    return qEnvironmentVariable("LOCALRADIO");
+}
+
+/// Empty where that takes too long.
+QJsonArray listed(const QString &option)
+{
+    QProcess list;
+    list.start(program(), {option});
+    return list.waitForFinished(startTime) ? QJsonDocument::fromJson(list.readAllStandardOutput()).array()
+                                           : QJsonArray();
+}
 } // namespace
 
 LocalRadio::LocalRadio(const QStringList &arguments)
 {
-    const QString program = qEnvironmentVariable("LOCALRADIO");
-    QProcess list;
-    list.start(program, {QStringLiteral("--list")});
-    if (!list.waitForFinished(startTime)) {
+    stations_ = listed(QStringLiteral("--list"));
+    if (stations_.isEmpty()) {
         return;
     }
-    stations_ = QJsonDocument::fromJson(list.readAllStandardOutput()).array();
-
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process_.start(program,
+    process_.start(program(),
                    QStringList{QStringLiteral("--log"), folder_.filePath(QStringLiteral("log"))} + arguments);
     address_ = readAddress();
     secondAddress_ = readAddress();
@@ -46,6 +56,11 @@ QByteArray LocalRadio::beginning(int row, qsizetype bytes) const
     while (socket.bytesAvailable() < bytes && socket.waitForReadyRead(startTime)) {
     }
     return socket.read(bytes);
+}
+
+QJsonArray LocalRadio::kinds() const
+{
+    return listed(QStringLiteral("--list-kinds"));
 }
 
 QList<QJsonObject> LocalRadio::logged(const QString &event) const

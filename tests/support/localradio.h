@@ -25,6 +25,8 @@ public:
     QByteArray beginning(int row, qsizetype bytes) const;
     /// The catalogue, most listeners first.
     const QJsonArray &stations() const { return stations_; }
+    /// The kinds of sound that it has besides, as it lists them: name, path and pitch.
+    QJsonArray kinds() const;
     /// What it has logged so far under that name of an event.
     QList<QJsonObject> logged(const QString &event) const;
 

@@ -1,7 +1,16 @@
 #include "support/scriptedserver.h"
 
+#include <QFile>
+#include <QProcess>
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QSslSocket>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QTimer>
+#include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 QByteArray targetOf(const QByteArray &head)
@@ -18,7 +27,47 @@ ScriptedServer::ScriptedServer()
 
 QString ScriptedServer::address(const QString &path) const
 {
-    return QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(path);
+    const QString server =
+        certificate_ ? QStringLiteral("https://localhost:%1%2") : QStringLiteral("http://127.0.0.1:%1%2");
+    return server.arg(serverPort()).arg(path);
+}
+
+QSslConfiguration ScriptedServer::makeCertificate()
+{
+    const QTemporaryDir folder;
+    const QString key = folder.filePath(u"key"_s);
+    const QString certificate = folder.filePath(u"certificate"_s);
+    QProcess openssl;
+    openssl.start(u"openssl"_s,
+                  {u"req"_s, u"-x509"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s, u"ec_paramgen_curve:P-256"_s,
+                   u"-nodes"_s, u"-keyout"_s, key, u"-out"_s, certificate, u"-days"_s, u"2"_s, u"-subj"_s,
+                   u"/CN=localhost"_s, u"-addext"_s, u"subjectAltName=DNS:localhost"_s});
+    QSslConfiguration configuration;
+    QFile keyFile(key);
+    if (openssl.waitForFinished() && keyFile.open(QIODevice::ReadOnly)) {
+        configuration.setPrivateKey(QSslKey(&keyFile, QSsl::Ec));
+        configuration.setLocalCertificate(QSslCertificate::fromPath(certificate).value(0));
+    }
+    return configuration;
+}
+
+void ScriptedServer::encrypt(const QSslConfiguration &certificate, int hold)
+{
+    certificate_ = certificate;
+    hold_ = hold;
+}
+
+void ScriptedServer::incomingConnection(qintptr descriptor)
+{
+    if (!certificate_) {
+        QTcpServer::incomingConnection(descriptor);
+        return;
+    }
+    auto *socket = new QSslSocket(this);
+    socket->setSslConfiguration(*certificate_);
+    socket->setSocketDescriptor(descriptor);
+    QTimer::singleShot(std::exchange(hold_, 0), socket, [socket] { socket->startServerEncryption(); });
+    addPendingConnection(socket);
 }
 
 void ScriptedServer::script(const QByteArray &path, const QByteArray &rawAnswer, After after)

@@ -2,7 +2,9 @@
 
 #include <QHash>
 #include <QList>
+#include <QSslConfiguration>
 #include <QTcpServer>
+#include <optional>
 
 class QTcpSocket;
 
@@ -17,8 +19,16 @@ public:
 
     ScriptedServer();
 
-    /// "http://127.0.0.1:PORT" and `path`.
+    /// A certificate of its own making for "localhost", that no system trusts; null where there is no
+    /// openssl.
+    static QSslConfiguration makeCertificate();
+
+    /// "http://127.0.0.1:PORT" and `path`, or "https://localhost:PORT" and that.
     QString address(const QString &path = {}) const;
+
+    /// From now on it speaks TLS, as "localhost", by that certificate. The first handshake waits for `hold`
+    /// milliseconds.
+    void encrypt(const QSslConfiguration &certificate, int hold = 0);
 
     /// The raw answer to requests for `path`, without its query; any other path is accepted and never
     /// answered.
@@ -38,6 +48,9 @@ public:
     /// Closes them, as a server does that has no more to say.
     void closeConnections();
 
+protected:
+    void incomingConnection(qintptr descriptor) override;
+
 private:
     struct Answer
     {
@@ -52,4 +65,6 @@ private:
     QList<QByteArray> requests_;
     int openConnections_ = 0;
     int delay_ = 0;
+    std::optional<QSslConfiguration> certificate_;
+    int hold_ = 0;
 };

@@ -101,10 +101,12 @@ void MpvItem::begin()
     handle_->observe("core-idle", MPV_FORMAT_FLAG);
     handle_->observe("demuxer-cache-state", MPV_FORMAT_NODE);
     handle_->observe("metadata", MPV_FORMAT_NODE);
+    handle_->observe("audio-out-params", MPV_FORMAT_NODE);
     handle_->observe("current-tracks/audio", MPV_FORMAT_NODE);
     soundControl_ = std::make_unique<SoundControl>(*handle_, *conditions_.sound);
     heardReport_ = std::make_unique<HeardReport>(conditions_.heard);
     outputRetry_ = std::make_unique<OutputRetry>(*handle_, conditions_.nullIsFallback);
+    formatKeeper_ = std::make_unique<FormatKeeper>(*handle_);
     rateControl_ = std::make_unique<RateControl>(*handle_, *soundControl_, conditions_.pausedBufferBytes);
     connect(rateControl_.get(), &RateControl::changed, this, &MpvItem::updateBufferUse);
     bufferWatch_ = std::make_unique<BufferWatch>(conditions_);
@@ -119,6 +121,7 @@ void MpvItem::begin()
         heardReport_->bitrateAnnounced(facts.bitrate);
         heardReport_->setUnverified(facts.isUnverified);
     });
+    connect(load_.get(), &StreamLoad::sourceFinished, this, [this] { formatKeeper_->streamEnded(); });
     // An observer of the failure may release the player, and what signals it.
     connect(load_.get(), &StreamLoad::failed, this, &MpvItem::fail, Qt::QueuedConnection);
     load_->start();
@@ -138,6 +141,7 @@ void MpvItem::release()
     load_.reset();
     bufferWatch_.reset();
     rateControl_.reset();
+    formatKeeper_.reset();
     outputRetry_.reset();
     soundControl_.reset();
     heardReport_.reset();
@@ -213,6 +217,8 @@ void MpvItem::propertyChanged(const mpv_event_property &property)
         heardReport_->metadataChanged(node);
     } else if (name == QLatin1StringView("current-tracks/audio")) {
         heardReport_->trackChanged(node);
+    } else if (name == QLatin1StringView("audio-out-params")) {
+        formatKeeper_->outputChanged(node);
     } else if (name == QLatin1StringView("demuxer-cache-state")) {
         heardReport_->cacheChanged(node);
         if (node != nullptr) {

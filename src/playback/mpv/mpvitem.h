@@ -2,6 +2,7 @@
 
 #include "playback/backend.h"
 #include "playback/mpv/bufferwatch.h"
+#include "playback/mpv/formatkeeper.h"
 #include "playback/mpv/heardreport.h"
 #include "playback/mpv/mpvconditions.h"
 #include "playback/mpv/mpvhandle.h"
@@ -81,6 +82,7 @@ private:
     /// These are there from begin() to release().
     std::unique_ptr<SoundControl> soundControl_;
     std::unique_ptr<OutputRetry> outputRetry_;
+    std::unique_ptr<FormatKeeper> formatKeeper_;
     std::unique_ptr<RateControl> rateControl_;
     std::unique_ptr<HeardReport> heardReport_;
     std::unique_ptr<BufferWatch> bufferWatch_;

@@ -106,6 +106,7 @@ void StreamLoad::take(StreamSource *stream)
     connect(stream, &StreamSource::titleRead, this,
             [this](quint64 position, const QByteArray &title) { titles_.add(position, title); });
     connect(stream, &StreamSource::factsChanged, this, [this] { Q_EMIT factsChanged(source_->facts()); });
+    connect(stream, &StreamSource::finished, this, &StreamLoad::sourceFinished);
     connect(stream, &StreamSource::readerHeld, this, &StreamLoad::readerHeld);
     titles_ = {};
     attach();
@@ -221,6 +222,7 @@ void StreamLoad::giveUp()
     if (resolver_) {
         resolver_->refused();
     } else {
+        Q_EMIT sourceFinished();
         source_.reset();
     }
 }

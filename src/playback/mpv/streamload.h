@@ -47,6 +47,8 @@ Q_SIGNALS:
     void failed();
     /// What the station says that is heard now, as it came.
     void titleHeard(const QByteArray &title);
+    /// Nothing more will come of the current stream than what libmpv has or is about to read.
+    void sourceFinished();
     /// The server of the current stream says something else beside the sound.
     void factsChanged(const StreamSource::Facts &facts);
 

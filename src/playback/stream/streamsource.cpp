@@ -42,6 +42,8 @@ void StreamSource::send(const QByteArray &bytes)
 void StreamSource::finish()
 {
     isFinished_ = true;
+    // First, so that whoever wants to prepare for it can.
+    Q_EMIT finished();
     pipe_->finish();
 }
 

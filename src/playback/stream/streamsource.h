@@ -42,6 +42,8 @@ Q_SIGNALS:
     /// What the station says that plays from the byte of that number on, as it came.
     void titleRead(quint64 position, const QByteArray &title);
     void factsChanged();
+    /// Nothing more will come; the pipe is told so next.
+    void finished();
     /// The reader waits for a higher limit.
     void readerHeld();
 
@@ -50,7 +52,6 @@ protected:
 
     bool isSettled() const { return isSettled_; }
     void send(const QByteArray &bytes);
-    /// Nothing more will come.
     void finish();
     void setFacts(const Facts &facts);
     /// How much has been sent in all.

@@ -12,6 +12,7 @@ and a line that says which.
   status=N            that status, 100 to 599, and a short text instead
   redirect=same       to the same stream without faults
   redirect=port       the same on the other port
+  redirect=tls        the same on the encrypted port
   redirect=loop       to itself
   redirect=file       to file:///etc/passwd
   redirect=ADDRESS    to whatever else stands here
@@ -19,6 +20,17 @@ and a line that says which.
   body=random         random bytes without end, always the same ones
   body=zeros          zeros without end
   body=endless        the station itself, as fast as the client reads
+  body=ogg-packet     Ogg with a packet that never ends
+  body=ogg-second     the station, which must be Ogg, and a second stream whose
+                      packet never ends
+  body=mp4-atom       MP4 with a picture of 256 MB
+  body=mp4-bomb       MP4 whose compressed head inflates to 300 MB
+  body=webm-element   WebM with an element of 256 MB
+  body=ts-video       MPEG-TS that announces two videos, and sends noise for them
+  paced=1             a body that is not the station's at the pace of that; as
+                      fast as the client reads if left out
+  after=SECONDS       all this, and what comes below, after so much sound of the
+                      station; at /kind/NAME between two frames of it
   type=TEXT           another Content-Type
   header=TEXT         one more header, as it stands
   chunk=TEXT          announces chunks, begins the body with this as the size
@@ -30,6 +42,7 @@ and a line that says which.
   close-after=BYTES   ends after so many bytes of the body, 0 for none
   reset-after=BYTES   resets the connection instead
   stall-after=BYTES   stays open instead, and silent
+  silent-for=SECONDS  is silent for so long, and then goes on
   rate=N              bytes a second, head included
   icy=ODDITY          for MP3 and AAC with "Icy-MetaData: 1"; old-head for all:
     bad-metaint         announces another interval than it keeps

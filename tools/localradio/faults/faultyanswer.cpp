@@ -92,7 +92,9 @@ FaultyAnswer streamed(const LongText &body, const QByteArray &headers = {})
 FaultyAnswer cut(Delivery::End end, qint64 afterBytes, const QByteArray &head = {},
                  const QByteArray &body = {})
 {
-    return {200, head, {body}, {.cut = Delivery::Cut{end, afterBytes}, .bytesPerSecond = {}}};
+    FaultyAnswer answer{200, head, {body}, {}};
+    answer.delivery.cut = Delivery::Cut{end, afterBytes};
+    return answer;
 }
 
 FaultyAnswer dripping(FaultyAnswer answer, qint64 bytesPerSecond)

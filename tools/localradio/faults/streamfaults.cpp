@@ -5,6 +5,7 @@
 #include "localradio/http/redirect.h"
 
 #include <array>
+#include <vector>
 
 namespace localradio {
 
@@ -21,8 +22,11 @@ constexpr char webPage[] = R"(<!DOCTYPE html>
 
 StreamFaults StreamFaults::read(const RequestTarget &target)
 {
-    static constexpr std::array bodies{QLatin1StringView("endless"), QLatin1StringView("html"),
-                                       QLatin1StringView("random"), QLatin1StringView("zeros")};
+    std::vector bodies{QLatin1StringView("endless"), QLatin1StringView("html"), QLatin1StringView("random"),
+                       QLatin1StringView("zeros")};
+    for (const HostileSound &hostile : HostileSound::all()) {
+        bodies.push_back(hostile.name);
+    }
     StreamFaults faults;
     faults.status = wholeNumber(target, QLatin1StringView("status"), 100, 599);
     faults.redirect = headerText(target, QLatin1StringView("redirect"));
@@ -31,8 +35,12 @@ StreamFaults StreamFaults::read(const RequestTarget &target)
     faults.chunkSize = headerText(target, QLatin1StringView("chunk"));
     faults.tag = LeadingTag::read(target);
     if (const auto index = choice(target, QLatin1StringView("body"), bodies)) {
-        faults.body = std::array{Body::Endless, Body::Html, Body::Random, Body::Zeros}[*index];
+        constexpr std::array plain{Body::Endless, Body::Html, Body::Random, Body::Zeros};
+        faults.body = *index < plain.size() ? plain.at(*index) : Body::Hostile;
+        faults.hostile = *index < plain.size() ? nullptr : &HostileSound::all().at(*index - plain.size());
     }
+    faults.afterSeconds = positiveNumber(target, QLatin1StringView("after"), 3600).value_or(0);
+    faults.paced = flag(target, QLatin1StringView("paced"));
     faults.icy = IcyStyle::read(target);
     faults.delivery = Delivery::read(target);
     return faults;

@@ -4,6 +4,7 @@
 #include "localradio/http/answer.h"
 #include "localradio/http/delivery.h"
 #include "localradio/http/ports.h"
+#include "localradio/sound/hostilesound.h"
 #include "localradio/sound/taggedsource.h"
 
 #include <optional>
@@ -21,6 +22,7 @@ struct StreamFaults
         Html,    ///< a web page
         Random,  ///< random bytes without end
         Zeros,   ///< zeros without end
+        Hostile, ///< sound that is made to hurt
     };
 
     std::optional<int> status;             ///< in place of the stream, or of a redirect's 302
@@ -30,8 +32,14 @@ struct StreamFaults
     std::optional<QByteArray> chunkSize;   ///< before a body that is announced as chunked
     std::optional<LeadingTag> tag;
     Body body = Body::Station;
+    const HostileSound *hostile = nullptr; ///< if that is the body
+    double afterSeconds = 0;               ///< of sound, everything else than an answer goes wrong
+    bool paced = false;                    ///< also what is not the station's sound
     IcyStyle icy;
     Delivery delivery;
+
+    /// Whether the sound is the station's own and has its pace.
+    bool isStation() const { return body == Body::Station && !tag; }
 
     /// Reads the parameters of `target`; those that it does not know have no effect. Throws BadParameter.
     static StreamFaults read(const RequestTarget &target);

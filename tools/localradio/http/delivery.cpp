@@ -2,6 +2,7 @@
 
 #include "localradio/http/parameters.h"
 
+#include <cmath>
 #include <limits>
 
 namespace localradio {
@@ -18,7 +19,21 @@ Delivery Delivery::read(const RequestTarget &target)
             delivery.cut = Cut{end, *bytes};
         }
     }
+    if (const auto seconds = positiveNumber(target, QLatin1StringView("silent-for"), 3600)) {
+        delivery.pause = Pause{std::chrono::milliseconds(std::lround(*seconds * 1000)), 0};
+    }
     return delivery;
+}
+
+void Delivery::delay(qint64 bytes)
+{
+    if (cut) {
+        cut->afterBytes += bytes;
+    }
+    if (pause) {
+        pause->afterBytes += bytes;
+    }
+    slowAfterBytes += bytes;
 }
 
 } // namespace localradio

@@ -2,6 +2,7 @@
 
 #include "localradio/http/requesttarget.h"
 
+#include <chrono>
 #include <optional>
 
 namespace localradio {
@@ -22,13 +23,25 @@ struct Delivery
         qint64 afterBytes = 0; ///< of the body, titles included
     };
 
+    /// A silence after which it goes on.
+    struct Pause
+    {
+        std::chrono::milliseconds duration{0};
+        qint64 afterBytes = 0; ///< of the body
+    };
+
     std::optional<Cut> cut;
+    std::optional<Pause> pause;
     std::optional<qint64> bytesPerSecond; ///< head included; as fast as the client reads if not set
+    qint64 slowAfterBytes = 0;            ///< of the body, which go out before it is slow
 
-    bool isPlain() const { return !cut && !bytesPerSecond; }
+    bool isPlain() const { return !cut && !pause && !bytesPerSecond; }
 
-    /// Reads close-after, reset-after and stall-after, of which the first to come counts, and rate. Throws
-    /// BadParameter.
+    /// All this happens so many bytes of the body later.
+    void delay(qint64 bytes);
+
+    /// Reads close-after, reset-after and stall-after, of which the first to come counts, silent-for and
+    /// rate. Throws BadParameter.
     static Delivery read(const RequestTarget &target);
 };
 

@@ -1,10 +1,14 @@
 #include "localradio/http/httpconnection.h"
 
+#include "localradio/http/ports.h"
+
+#include <QSslSocket>
+
 #include <linux/sockios.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
-#include <chrono>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -30,6 +34,11 @@ HttpConnection::HttpConnection(QTcpSocket *socket, QObject *parent)
     socket_->setParent(this);
     socket_->setReadBufferSize(maxHeadSize);
     socket_->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, systemBufferSize);
+    if (auto *const encrypted = qobject_cast<QSslSocket *>(socket)) {
+        connect(encrypted, &QSslSocket::encryptedBytesWritten, this, [this] { onBytesWritten(0); });
+    }
+    hold_.setSingleShot(true);
+    connect(&hold_, &QTimer::timeout, this, &HttpConnection::release);
     deadline_.setSingleShot(true);
     connect(socket_, &QTcpSocket::readyRead, this, &HttpConnection::readHead);
     connect(socket_, &QTcpSocket::bytesWritten, this, &HttpConnection::onBytesWritten);
@@ -40,6 +49,16 @@ HttpConnection::HttpConnection(QTcpSocket *socket, QObject *parent)
     });
     connect(&deadline_, &QTimer::timeout, this, &HttpConnection::onDeadline);
     deadline_.start(headDeadline);
+}
+
+bool HttpConnection::isEncrypted() const
+{
+    return qobject_cast<QSslSocket *>(socket_) != nullptr;
+}
+
+QByteArray HttpConnection::origin() const
+{
+    return originOf(port_, isEncrypted()).toUtf8();
 }
 
 void HttpConnection::readHead()
@@ -93,8 +112,32 @@ void HttpConnection::beginStream(int status, const QByteArray &head)
 
 void HttpConnection::send(const QByteArray &bytes)
 {
-    if (state_ == State::Streaming) {
+    if (state_ == State::Streaming && hold_.isActive()) {
+        held_ += bytes;
+    } else if (state_ == State::Streaming) {
         socket_->write(bytes);
+    }
+}
+
+void HttpConnection::hold(std::chrono::milliseconds duration)
+{
+    if (hold_.remainingTimeAsDuration() < duration) {
+        hold_.start(duration);
+    }
+}
+
+qint64 HttpConnection::unsentBytes() const
+{
+    const auto *const encrypted = qobject_cast<QSslSocket *>(socket_);
+    return held_.size() + socket_->bytesToWrite() +
+           (encrypted == nullptr ? 0 : encrypted->encryptedBytesToWrite());
+}
+
+void HttpConnection::release()
+{
+    socket_->write(std::exchange(held_, {}));
+    if (state_ == State::Closing) {
+        shutWhenSent();
     }
 }
 
@@ -121,10 +164,16 @@ void HttpConnection::reset()
 }
 
 /// Closing at once would make the system reset the connection when the client has sent more than was read,
-/// and a reset can overtake the answer: so only the sending side is shut, and the client closes.
+/// and a reset can overtake the answer: so only the sending side is shut, and the client closes. What is
+/// encrypted says that it ends.
 void HttpConnection::shutWhenSent()
 {
-    if (socket_->bytesToWrite() == 0) {
+    if (hold_.isActive() || unsentBytes() > 0) {
+        return;
+    }
+    if (isEncrypted()) {
+        socket_->disconnectFromHost();
+    } else {
         ::shutdown(static_cast<int>(socket_->socketDescriptor()), SHUT_WR);
         deadline_.start(closeDeadline);
     }
@@ -135,7 +184,7 @@ void HttpConnection::resetWhenReceived()
 {
     int unacknowledged = 0;
     ::ioctl(static_cast<int>(socket_->socketDescriptor()), SIOCOUTQ, &unacknowledged);
-    if (socket_->bytesToWrite() == 0 && unacknowledged == 0) {
+    if (!hold_.isActive() && unsentBytes() == 0 && unacknowledged == 0) {
         reset();
     } else {
         QTimer::singleShot(resetPoll, this, &HttpConnection::resetWhenReceived);
@@ -154,7 +203,7 @@ void HttpConnection::onBytesWritten(qint64 bytes)
 
 void HttpConnection::onDeadline()
 {
-    if (state_ == State::Streaming && socket_->bytesToWrite() == 0) {
+    if (hold_.isActive() || (state_ == State::Streaming && unsentBytes() == 0)) {
         deadline_.start(sendDeadline); // a stream with nothing to say; the client is not at fault
         return;
     }

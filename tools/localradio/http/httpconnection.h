@@ -7,6 +7,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <chrono>
+
 namespace localradio {
 
 /// One client: reads one request and carries its answer, whole or as a stream without end. Clients that
@@ -23,6 +25,11 @@ public:
 
     /// The port of this machine that the client has reached.
     quint16 port() const { return port_; }
+
+    bool isEncrypted() const;
+
+    /// "http://127.0.0.1:PORT", or "https" where it is encrypted, of that port.
+    QByteArray origin() const;
 
     /// The request; empty until requestReceived().
     const HttpRequest &request() const { return request_; }
@@ -51,8 +58,12 @@ public:
     /// Resets the connection now; what is on its way may be lost.
     void reset();
 
+    /// What send() gets is kept back until `duration` is over, or longer if that has been said before: the
+    /// connection stays open, and silent.
+    void hold(std::chrono::milliseconds duration);
+
     /// Bytes handed to send() or answer() that the system has not taken yet.
-    qint64 unsentBytes() const { return socket_->bytesToWrite(); }
+    qint64 unsentBytes() const;
 
     /// Bytes that the system has taken for this client, head included.
     qint64 sentBytes() const { return sent_; }
@@ -78,6 +89,7 @@ private:
     void resetWhenReceived();
     void onBytesWritten(qint64 bytes);
     void onDeadline();
+    void release();
 
     QTcpSocket *socket_; // a child
     quint16 port_;       // kept here, since a socket forgets it when it closes
@@ -87,6 +99,8 @@ private:
     qint64 sent_ = 0;
     bool streamed_ = false;
     QTimer deadline_;
+    QTimer hold_;     // runs while the connection is silent
+    QByteArray held_; // meanwhile
 };
 
 } // namespace localradio

@@ -31,14 +31,14 @@ void StreamOutlet::answer(const Answer &answer)
 
 void StreamOutlet::begin(int status, const QByteArray &head)
 {
-    if (delivery_.bytesPerSecond && connection_.request().method != "HEAD") {
+    const bool slow = delivery_.bytesPerSecond && delivery_.slowAfterBytes == 0;
+    if (slow && connection_.request().method != "HEAD") {
         connection_.beginStream(status, {});
         pending_ = head;
-        elapsed_.start();
-        drip_.start(50ms);
     } else {
         connection_.beginStream(status, head);
     }
+    misbehaveWhenDue();
     send({}); // a cut may come before the first byte
 }
 
@@ -47,16 +47,39 @@ void StreamOutlet::send(const QByteArray &body)
     if (end_) {
         return;
     }
-    qsizetype part = body.size();
+    QByteArrayView rest(body);
     if (delivery_.cut) {
-        part = std::min(part, delivery_.cut->afterBytes - bodyBytes_);
+        rest.truncate(std::min(rest.size(), delivery_.cut->afterBytes - bodyBytes_));
     }
-    pending_ += QByteArrayView(body).first(part);
-    bodyBytes_ += part;
+    while (!rest.isEmpty()) {
+        qsizetype part = rest.size();
+        for (const qint64 border :
+             {delivery_.slowAfterBytes, delivery_.pause ? delivery_.pause->afterBytes : 0}) {
+            part = border > bodyBytes_ ? std::min(part, border - bodyBytes_) : part;
+        }
+        pending_ += rest.first(part);
+        bodyBytes_ += part;
+        rest = rest.sliced(part);
+        flush();
+        misbehaveWhenDue();
+    }
     if (delivery_.cut && bodyBytes_ == delivery_.cut->afterBytes) {
         end_ = delivery_.cut->end;
     }
     flush();
+}
+
+void StreamOutlet::misbehaveWhenDue()
+{
+    if (delivery_.pause && bodyBytes_ >= delivery_.pause->afterBytes) {
+        connection_.hold(delivery_.pause->duration);
+        delivery_.pause.reset();
+    }
+    if (delivery_.bytesPerSecond && bodyBytes_ >= delivery_.slowAfterBytes && !drip_.isActive()) {
+        dripped_ = 0;
+        elapsed_.start();
+        drip_.start(50ms);
+    }
 }
 
 void StreamOutlet::finish()

@@ -44,6 +44,7 @@ Q_SIGNALS:
     void bytesLeft();
 
 private:
+    void misbehaveWhenDue();
     void flush();
 
     HttpConnection &connection_;

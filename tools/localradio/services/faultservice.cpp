@@ -47,8 +47,7 @@ void FaultService::beginOutage(HttpConnection &connection, const RequestTarget &
 
 void FaultService::sendPlaylist(HttpConnection &connection, const RequestTarget &target)
 {
-    const auto playlist =
-        OrderedPlaylist::make(target, connection.request().target, originOf(connection.port()).toUtf8());
+    const auto playlist = OrderedPlaylist::make(target, connection.request().target, connection.origin());
     auto *outlet = new StreamOutlet(connection, Delivery::read(target));
     if (playlist.filler.isEmpty()) {
         outlet->answer({200, playlist.contentType, playlist.text});

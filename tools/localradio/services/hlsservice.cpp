@@ -149,7 +149,7 @@ std::optional<Answer> HlsService::answerTo(const HttpConnection &connection, con
 {
     const QByteArray &raw = connection.request().target;
     const QByteArray root = target.path().chopped(below.size()).toUtf8();
-    const HlsPlace place{target, raw, root, originOf(connection.port()).toUtf8(),
+    const HlsPlace place{target, raw, root, connection.origin(),
                          originOf(ports_.otherThan(connection.port())).toUtf8()};
     const QString first = below.section(u'/', 0, 0);
     const QString rest = below.section(u'/', 1);

@@ -22,6 +22,10 @@ Listener::Listener(StreamOutlet &outlet, std::unique_ptr<AudioSource> source, st
 
 void Listener::pump()
 {
+    if (pace_ && audioBytes_ >= pace_->untilByte) {
+        pace_.reset();
+        connect(&outlet_, &StreamOutlet::bytesLeft, this, &Listener::pump);
+    }
     qint64 bytes = outlet_.room();
     if (pace_) {
         const double seconds = pace_->burstSeconds + static_cast<double>(elapsed_.elapsed()) / 1000.0;

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <limits>
 #include <optional>
 
 namespace localradio {
@@ -16,7 +17,8 @@ class StreamOutlet;
 struct Pace
 {
     double bytesPerSecond = 0;
-    double burstSeconds = 0; ///< so far ahead of its time
+    double burstSeconds = 0;                               ///< so far ahead of its time
+    qint64 untilByte = std::numeric_limits<qint64>::max(); ///< and then as fast as the client reads
 };
 
 /// One client that hears a stream, through an outlet whose child it is.

@@ -7,8 +7,10 @@
 #include "localradio/sound/byteloop.h"
 #include "localradio/sound/randombytes.h"
 #include "localradio/sound/soundlibrary.h"
+#include "localradio/sound/switchingsource.h"
 
 #include <chrono>
+#include <cmath>
 
 using namespace std::chrono_literals;
 
@@ -16,22 +18,62 @@ namespace localradio {
 
 namespace {
 
-/// Whether the station's own audio is heard.
-bool isAudio(StreamFaults::Body body)
+/// Whether the station's own audio is heard, at first at least.
+bool isAudio(const StreamFaults &faults)
 {
-    return body == StreamFaults::Body::Station || body == StreamFaults::Body::Endless;
+    return faults.body == StreamFaults::Body::Station || faults.body == StreamFaults::Body::Endless ||
+           faults.afterSeconds > 0;
 }
 
-/// What a stream consists of. Null if that holds nothing to play.
-std::unique_ptr<AudioSource> sourceFor(const Programme &programme, StreamFaults::Body body)
+/// What goes wrong in place of the station's audio, or that audio if nothing does. Null if that holds nothing
+/// to play.
+std::unique_ptr<AudioSource> bodyOf(const Programme &programme, const StreamFaults &faults)
 {
-    if (body == StreamFaults::Body::Random) {
+    switch (faults.body) {
+    case StreamFaults::Body::Random:
         return std::make_unique<RandomBytes>();
-    }
-    if (body == StreamFaults::Body::Zeros) {
+    case StreamFaults::Body::Zeros:
         return std::make_unique<ByteLoop>(QByteArray(16 * 1024, '\0'), 0);
+    case StreamFaults::Body::Hostile:
+        return faults.hostile->make(programme.play, faults.afterSeconds > 0);
+    default:
+        return programme.play();
     }
-    return programme.play();
+}
+
+/// What a stream consists of, where `bytes` of it are as they should be. Null if that holds nothing to play.
+std::unique_ptr<AudioSource> sourceFor(const Programme &programme, const StreamFaults &faults, qint64 bytes)
+{
+    auto source = programme.play();
+    if (!source || faults.isStation()) {
+        return source;
+    }
+    auto wrong = bodyOf(programme, faults);
+    if (faults.tag) {
+        wrong = std::make_unique<TaggedSource>(*faults.tag, std::move(wrong));
+    }
+    return std::make_unique<SwitchingSource>(std::move(source), bytes, std::move(wrong));
+}
+
+/// At the pace of the sound, as long as that is played.
+std::optional<Pace> paceFor(const Programme &programme, const StreamFaults &faults, double burstSeconds,
+                            qint64 bytes)
+{
+    Pace pace{programme.bytesPerSecond, burstSeconds};
+    if (faults.paced && faults.hostile != nullptr) {
+        pace.bytesPerSecond *= faults.hostile->expansion;
+    } else if (!faults.paced && !faults.isStation()) {
+        pace.untilByte = bytes;
+    }
+    return pace.untilByte > 0 ? std::optional(pace) : std::nullopt;
+}
+
+QByteArray mediaTypeOf(const Programme &programme, const StreamFaults &faults)
+{
+    if (isAudio(faults)) {
+        return programme.mediaType;
+    }
+    return faults.hostile == nullptr ? QByteArray("audio/mpeg") : faults.hostile->mediaType;
 }
 
 QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bool titles)
@@ -39,7 +81,7 @@ QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bo
     const bool old = programme.oldStatusLine || faults.icy.oldStatusLine;
     QByteArray head = old ? "ICY 200 OK\r\n" : "HTTP/1.0 200 OK\r\n";
     head += "Server: localradio\r\nCache-Control: no-cache\r\nContent-Type: ";
-    head += faults.contentType.value_or(isAudio(faults.body) ? programme.mediaType : "audio/mpeg");
+    head += faults.contentType.value_or(mediaTypeOf(programme, faults));
     head += "\r\nicy-name: " + programme.name.toUtf8();
     head += "\r\nicy-genre: " + programme.genre.toUtf8();
     head += "\r\nicy-br: " + QByteArray::number(programme.bitrate) + "\r\n";
@@ -55,13 +97,13 @@ QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bo
     return head + "\r\n";
 }
 
-/// What stands behind the prefix that `path` begins with, privately or not; a null string if it does not.
-QString behind(QStringView path, QLatin1StringView prefix)
+/// What stands behind the beginning that `path` has, privately or not; a null string if it does not.
+QString behind(QStringView path, QLatin1StringView beginning)
 {
     if (path.startsWith(StreamMounts::privatePrefix)) {
         path = path.sliced(StreamMounts::privatePrefix.size() - 1);
     }
-    return path.startsWith(prefix) ? path.sliced(prefix.size()).toString() : QString();
+    return path.startsWith(beginning) ? path.sliced(beginning.size()).toString() : QString();
 }
 
 } // namespace
@@ -84,24 +126,22 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
     if (!programme) {
         return false;
     }
-    const StreamFaults faults = StreamFaults::read(target);
+    StreamFaults faults = StreamFaults::read(target);
+    const auto healthyBytes = std::llround(faults.afterSeconds * programme->bytesPerSecond);
+    faults.delivery.delay(healthyBytes);
     auto *outlet = new StreamOutlet(connection, faults.delivery);
     if (const auto answer = faults.answerInstead(connection, ports_)) {
         outlet->answer(*answer);
         return true;
     }
 
-    auto source = sourceFor(*programme, faults.body);
+    auto source = sourceFor(*programme, faults, healthyBytes);
     if (!source) {
         outlet->answer(Answer::plain(503, "The sound of this station cannot be read"));
         return true;
     }
-    if (faults.tag) {
-        source = std::make_unique<TaggedSource>(*faults.tag, std::move(source));
-    }
-    const Pace live{programme->bytesPerSecond, burstSeconds_};
     const bool titles =
-        isAudio(faults.body) && programme->hasTitles && connection.request().header("Icy-MetaData") == "1";
+        isAudio(faults) && programme->hasTitles && connection.request().header("Icy-MetaData") == "1";
     outlet->begin(200, streamHead(*programme, faults, titles));
     if (!connection.isStreaming()) {
         return true;
@@ -110,8 +150,7 @@ bool StreamMounts::serve(HttpConnection &connection, const RequestTarget &target
     if (titles && faults.icy.interval > 0) {
         weaver = weaverFor(*programme, faults.icy);
     }
-    const bool paced = faults.body == StreamFaults::Body::Station && !faults.tag;
-    attach(new Listener(*outlet, std::move(source), paced ? std::optional(live) : std::nullopt,
+    attach(new Listener(*outlet, std::move(source), paceFor(*programme, faults, burstSeconds_, healthyBytes),
                         std::move(weaver)));
     return true;
 }

@@ -283,9 +283,9 @@ constexpr std::array chainRecipes{
     ChainRecipe{"chained-vorbis", "-c:a libvorbis -q:a 4"},
     ChainRecipe{"chained-opus", "-c:a libopus -b:a 96k"},
     ChainRecipe{"chained-flac", "-c:a flac"},
-    ChainRecipe{"changing-vorbis", "-c:a libvorbis -q:a 4", "-ar 32000 -ac 1"},
+    ChainRecipe{"changing-vorbis", "-c:a libvorbis -q:a 4", "-ar 32000 -ac 1 -q:a 7"},
     ChainRecipe{"changing-opus", "-c:a libopus -b:a 96k", "-ac 1"},
-    ChainRecipe{"changing-flac", "-c:a flac", "-ar 32000 -ac 1"},
+    ChainRecipe{"changing-flac", "-c:a flac", "-ar 96000 -ac 1"},
 };
 
 QByteArray makeTurn(const QString &ffmpeg, const Recipe &recipe, const Sound &sound)

@@ -54,6 +54,25 @@ OggPage::OggPage(const QByteArray &data, qsizetype offset)
     }
 }
 
+OggPage::OggPage(unsigned flags, qint64 position, const QByteArray &segments, const QByteArray &content)
+    : bytes_("OggS" + QByteArray(segmentsAt - 4, '\0') + segments + content)
+{
+    bytes_[flagsAt] = static_cast<char>(flags);
+    bytes_[segmentCountAt] = static_cast<char>(segments.size());
+    setGranulePosition(position);
+}
+
+OggPage OggPage::fullOf(const QByteArray &part, bool continued)
+{
+    constexpr qint64 noPacketEnds = -1;
+    return {continued ? 1U : 0U, noPacketEnds, QByteArray(part.size() / fullSegment, '\xff'), part};
+}
+
+OggPage OggPage::firstOf(const QByteArray &packet)
+{
+    return {2U, 0, QByteArray(1, static_cast<char>(packet.size())), packet};
+}
+
 std::vector<OggPage> OggPage::pagesOf(const QByteArray &data)
 {
     std::vector<OggPage> pages;
