@@ -6,11 +6,15 @@
 #include "favourites/archive/keyedarchive.h"
 #include "http/address.h"
 #include "http/httpmessage.h"
-#include "playback/stream/playlist.h"
 #include "playback/privatestream.h"
+#include "playback/stream/hls/hlsplaylist.h"
+#include "playback/stream/hls/hlssplicer.h"
+#include "playback/stream/hls/hlswindow.h"
+#include "playback/stream/playlist.h"
 #include "ui/drag/dragpayload.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <curl/curl.h>
@@ -107,6 +111,48 @@ void fuzzPlaylist(const QByteArray &data)
     const QList<QUrl> entries = Playlist::entries(data, base);
     require(entries.size() <= Playlist::maximumEntries);
     require(std::all_of(entries.cbegin(), entries.cend(), isHttpUrl));
+}
+
+void fuzzHlsPlaylist(const QByteArray &data)
+{
+    const auto playlist =
+        HlsPlaylist::read(data, QUrl(QStringLiteral("http://radio.example/listen/list.m3u8")));
+    require(playlist.variants.size() <= HlsPlaylist::maximumVariants);
+    require(playlist.segments.size() <= HlsPlaylist::maximumSegments);
+    for (const HlsVariant &variant : playlist.variants) {
+        require(isHttpUrl(variant.url) && variant.bandwidth >= 0);
+    }
+    HlsWindow window;
+    window.update(playlist);
+    qsizetype passed = 0;
+    for (const HlsSegment *segment = window.next(); segment != nullptr; segment = window.next()) {
+        require(isHttpUrl(segment->url) && (!segment->header || isHttpUrl(segment->header->url)));
+        require(segment->duration <= HlsPlaylist::longestDuration);
+        window.advance();
+        ++passed;
+    }
+    require(passed <= playlist.segments.size());
+}
+
+/// What comes of segments does not depend on the pieces in which they come.
+void fuzzHlsSegments(const QByteArray &data)
+{
+    static const QByteArray mark("|SEGMENT|");
+    std::array<QByteArray, 2> streams;
+    for (std::size_t index = 0; index < streams.size(); ++index) {
+        HlsSplicer splicer;
+        for (qsizetype at = 0; at < data.size();) {
+            const qsizetype found = data.indexOf(mark, at);
+            const qsizetype end = found < 0 ? data.size() : found;
+            splicer.begin();
+            const qsizetype pieceSize = index == 0 ? std::max<qsizetype>(end - at, 1) : 5;
+            for (; at < end; at += pieceSize) {
+                streams.at(index) += splicer.take(data.mid(at, std::min(pieceSize, end - at)));
+            }
+            at = end + mark.size();
+        }
+    }
+    require(streams.front() == streams.back());
 }
 
 void fuzzStationAddress(const QByteArray &data)

@@ -17,17 +17,22 @@ void fuzzHttpRedirect(const QByteArray &data);
 void fuzzDirectoryAnswer(const QByteArray &data);
 void fuzzFavouritesArchive(const QByteArray &data);
 void fuzzPlaylist(const QByteArray &data);
+void fuzzHlsPlaylist(const QByteArray &data);
+/// Segments of a stream, with "|SEGMENT|" between them.
+void fuzzHlsSegments(const QByteArray &data);
 /// Lines: scheme, url, port, mount point, user name, password of a station.
 void fuzzStationAddress(const QByteArray &data);
 void fuzzDisplayText(const QByteArray &data);
 /// What follows the token of this process.
 void fuzzDragPayload(const QByteArray &data);
 
-inline constexpr std::array<FuzzTarget, 7> fuzzTargets{{
+inline constexpr std::array<FuzzTarget, 9> fuzzTargets{{
     {"http-redirect", fuzzHttpRedirect},
     {"directory-answer", fuzzDirectoryAnswer},
     {"favourites-archive", fuzzFavouritesArchive},
     {"playlist", fuzzPlaylist},
+    {"hls-playlist", fuzzHlsPlaylist},
+    {"hls-segments", fuzzHlsSegments},
     {"station-address", fuzzStationAddress},
     {"display-text", fuzzDisplayText},
     {"drag-payload", fuzzDragPayload},

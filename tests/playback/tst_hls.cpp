@@ -342,9 +342,10 @@ void TestHls::deliveries_data()
         << QByteArrayList{"/list", "/a", "/a"};
     QTest::newRow("the next best variant")
         << QByteArray("#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\nlow\n#EXT-X-STREAM-INF:BANDWIDTH=3\nmissing\n"
-                      "#EXT-X-STREAM-INF:BANDWIDTH=2\nlist\n")
+                      "#EXT-X-STREAM-INF:BANDWIDTH=2\nlist\n#EXT-X-STREAM-INF:BANDWIDTH=4\npage\n")
         << QByteArray("aaaaaaaaaa")
-        << QByteArrayList{"/list", "/missing", "/list", "/missing", "/list", "/list", "/list", "/low", "/a"};
+        << QByteArrayList{"/list",    "/page", "/list", "/page", "/missing", "/list",
+                          "/missing", "/list", "/list", "/list", "/low",     "/a"};
 }
 
 void TestHls::deliveries()
@@ -359,6 +360,7 @@ void TestHls::deliveries()
         server.scriptBody(QByteArray("/") + name, QByteArray(name).repeated(10));
     }
     server.script("/moved", "HTTP/1.1 302 x\r\nLocation: /a\r\nContent-Length: 0\r\n\r\n");
+    server.scriptBody("/page", "<html>\n</html>");
     server.scriptBody("/missing", "none", "404 Not Found");
     server.script("/broken", "HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n0123456789");
     server.scriptBody("/whole", "ABCDEFGHIJKLMNOPQRSTUVWXYZ");

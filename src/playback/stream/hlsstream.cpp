@@ -1,5 +1,6 @@
 #include "playback/stream/hlsstream.h"
 
+#include "playback/stream/playlist.h"
 #include "playback/stream/streamconnection.h"
 
 #include <algorithm>
@@ -115,6 +116,10 @@ void HlsStream::deliver(const HlsSegment &segment)
 
 void HlsStream::takePlaylist(const QByteArray &text, const QUrl &base, bool isTop)
 {
+    if (!Playlist::isSegmented(text)) {
+        playlistFailed();
+        return;
+    }
     const HlsPlaylist playlist = HlsPlaylist::read(text, base);
     isReloadDue_ = false;
     isTopWanted_ = false;
