@@ -6,8 +6,9 @@
 #include "favourites/archive/keyedarchive.h"
 #include "http/address.h"
 #include "http/httpmessage.h"
-#include "playback/stream/playlist.h"
 #include "playback/privatestream.h"
+#include "playback/stream/oggtitles.h"
+#include "playback/stream/playlist.h"
 #include "ui/drag/dragpayload.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@
 #include <curl/curl.h>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
 /// Ends the process where the condition does not hold, so that the fuzzer keeps the input.
@@ -97,6 +99,28 @@ void fuzzFavouritesArchive(const QByteArray &data)
     require(again.has_value() && again->stations.size() == read->stations.size());
     // What was written is all that there was. Its bytes may differ once more: texts have two forms.
     require(again->whole);
+}
+
+/// However the bytes are cut, the titles are the same, each of a place that has been read.
+void fuzzOggTitles(const QByteArray &data)
+{
+    const auto titlesOf = [&data](qsizetype piece) {
+        QList<std::pair<quint64, QByteArray>> titles;
+        OggTitles reader;
+        for (qsizetype at = 0; at < data.size(); at += piece) {
+            reader.read(QByteArrayView(data).sliced(at, std::min(piece, data.size() - at)),
+                        [&](quint64 position, const QByteArray &title) {
+                            require(position < static_cast<quint64>(at + piece));
+                            require(title.size() <= OggTitles::maximumComments);
+                            titles.append({position, title});
+                        });
+        }
+        return titles;
+    };
+    constexpr qsizetype oddPiece = 7;
+    const auto whole = titlesOf(std::max(data.size(), qsizetype{1}));
+    require(titlesOf(1) == whole && titlesOf(oddPiece) == whole);
+    require(whole.isEmpty() || data.startsWith("OggS"));
 }
 
 void fuzzPlaylist(const QByteArray &data)

@@ -16,6 +16,8 @@ struct FuzzTarget
 void fuzzHttpRedirect(const QByteArray &data);
 void fuzzDirectoryAnswer(const QByteArray &data);
 void fuzzFavouritesArchive(const QByteArray &data);
+/// A stream, read at once and in pieces.
+void fuzzOggTitles(const QByteArray &data);
 void fuzzPlaylist(const QByteArray &data);
 /// Lines: scheme, url, port, mount point, user name, password of a station.
 void fuzzStationAddress(const QByteArray &data);
@@ -23,10 +25,11 @@ void fuzzDisplayText(const QByteArray &data);
 /// What follows the token of this process.
 void fuzzDragPayload(const QByteArray &data);
 
-inline constexpr std::array<FuzzTarget, 7> fuzzTargets{{
+inline constexpr std::array<FuzzTarget, 8> fuzzTargets{{
     {"http-redirect", fuzzHttpRedirect},
     {"directory-answer", fuzzDirectoryAnswer},
     {"favourites-archive", fuzzFavouritesArchive},
+    {"ogg-titles", fuzzOggTitles},
     {"playlist", fuzzPlaylist},
     {"station-address", fuzzStationAddress},
     {"display-text", fuzzDisplayText},
