@@ -23,7 +23,7 @@ QString helpText()
         "  PLUMTIDE_TUNEIN_URL     address that station playlists are fetched from\n"
         "  PLUMTIDE_DIRECTORY_KEY  developer key sent to the directory service\n"
         "  PLUMTIDE_AUDIO_OUTPUT   \"null\" for no sound, \"pcm:FILE\" to write a WAV file\n"
-        "  PLUMTIDE_PAUSE_BUFFER   KiB that a paused station may load (default 163840)\n");
+        "  PLUMTIDE_PAUSE_BUFFER   KiB that a paused station may load (default 65536)\n");
 }
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "support/stage.h"
 
 #include <QTest>
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -40,7 +41,10 @@ void TestKinds::hear(const QString &address, double pitch)
 {
     stage_->statuses.clear();
     stage_->playback.playRadioFromURL(address, address);
-    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart, Stage::soundTime);
+    // The file takes sound as fast as it comes, and some of it has an end.
+    const qsizetype start = Stage::healthyStart.size();
+    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses.first(std::min(start, stage_->statuses.size())),
+                              Stage::healthyStart, Stage::soundTime);
     QTRY_VERIFY2_WITH_TIMEOUT(hasPitch(sound_, pitch), qPrintable(QString::number(strongestPitch(sound_))),
                               Stage::soundTime);
 }

@@ -25,7 +25,7 @@ INNER_FOLDERS = {
         {"table": (8, 112), "panels": (144, 88), "rack": (240, 88), "genres": (336, 88), "stationform": (432, 104)},
         {"drag": (8, 96), "widgets": (112, 424)},
     ],
-    "playback": [{"mpv": (320, 216)}],
+    "playback": [{"mpv": (152, 240)}, {"stream": (152, 240)}, {"stream/hls": (152, 240)}],
     "directory": [{"keyed": (320, 216)}],
     "favourites": [{"archive": (320, 216)}],
 }
@@ -184,7 +184,8 @@ def draw_arrows_between_rooms(layout, arrows):
 
 
 def draw_arrows_within_rooms(layout, arrows):
-    """From an inner folder down to another one or across to its neighbour, or to the left into the room itself."""
+    """From an inner folder down to another one or across to its neighbour, or to the left into the room itself; and from
+    there to the right into an inner folder."""
     for (start, end), count in sorted(arrows.items()):
         if room_of(start) != room_of(end) or room_of(start) not in layout.places:
             continue
@@ -194,6 +195,9 @@ def draw_arrows_within_rooms(layout, arrows):
         if start.startswith(end + "/"):
             level = y + height - 12
             line, point, number = f"M{x} {level}H{x - 24}", head(x - 32, level, "left", colour), (x - 18, level - 6)
+        elif "/" not in start and end.startswith(start + "/"):
+            level = end_y + 20
+            line, point, number = f"M{end_x - 32} {level}H{end_x - 8}", head(end_x, level, "right", colour), (end_x - 30, level - 6)
         elif end_y == y:
             level, tip, turn = y + 14, end_x + end_width, 8
             if end_x > x:

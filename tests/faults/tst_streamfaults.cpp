@@ -87,6 +87,8 @@ private Q_SLOTS:
     void oddTitlesAreShown();
     void connectionsAreLost_data();
     void connectionsAreLost();
+    void hostileSoundIsContained_data();
+    void hostileSoundIsContained();
     void stoppedServersEnd();
     void longPlaylistsEnd();
     void credentialsStayAtHome();
@@ -337,6 +339,38 @@ void TestStreamFaults::connectionsAreLost()
         QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses, Stage::healthyStart + Stage::soundsEnd, Stage::soundTime);
         QCOMPARE_LE(visited().size(), mostRequests);
     }
+}
+
+void TestStreamFaults::hostileSoundIsContained_data()
+{
+    QTest::addColumn<QByteArray>("address");
+    QTest::addColumn<bool>("isPaused");
+    for (const char *address : {
+             "RADIO/kind/ogg-vorbis?body=ogg-packet&after=2",
+             "RADIO/kind/ogg-vorbis?body=ogg-second&after=2",
+             "RADIO/kind/aac?tag=268435455&tag-of=text&after=2",
+             "RADIO/kind/fmp4?body=mp4-atom",
+             "RADIO/kind/fmp4?body=mp4-bomb",
+             "RADIO/kind/webm?body=webm-element&after=2",
+             "RADIO/kind/mpegts?body=ts-video&after=2",
+         }) {
+        QTest::addRow("%s", address) << QByteArray(address) << false;
+        QTest::addRow("%s, paused", address) << QByteArray(address) << true;
+    }
+}
+
+/// As fast as it is read, from the start or once it is heard; whatever becomes of it.
+void TestStreamFaults::hostileSoundIsContained()
+{
+    QFETCH(QByteArray, address);
+    QFETCH(bool, isPaused);
+    play(address, failureTime);
+    if (isPaused) {
+        QTest::qWaitFor([this] { return stage_->playback.isPlaying(); }, 2 * silenceTime * 1000);
+        stage_->click(u"transportPlayButton"_s);
+    }
+    QTest::qWaitFor([this] { return stage_->text(u"playerStatusString"_s) == u"idle"_s; },
+                    2 * failureTime * 1000);
 }
 
 void TestStreamFaults::stoppedServersEnd()

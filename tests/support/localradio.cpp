@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QTcpSocket>
 #include <QUrl>
+#include <csignal>
 
 namespace {
 constexpr int startTime = 10'000;
@@ -38,6 +39,8 @@ LocalRadio::LocalRadio(const QStringList &arguments)
 
 LocalRadio::~LocalRadio()
 {
+    // A frozen one would not notice.
+    signal(SIGCONT);
     process_.terminate();
     process_.waitForFinished(startTime);
 }
@@ -56,6 +59,20 @@ QByteArray LocalRadio::beginning(int row, qsizetype bytes) const
     while (socket.bytesAvailable() < bytes && socket.waitForReadyRead(startTime)) {
     }
     return socket.read(bytes);
+}
+
+QByteArray LocalRadio::get(const QString &target) const
+{
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(QUrl(address_).port()));
+    socket.write("GET " + target.toLatin1() + " HTTP/1.0\r\n\r\n");
+    socket.waitForDisconnected(startTime);
+    return socket.readAll();
+}
+
+void LocalRadio::signal(int number) const
+{
+    ::kill(static_cast<pid_t>(process_.processId()), number);
 }
 
 QJsonArray LocalRadio::kinds() const

@@ -25,6 +25,9 @@ public:
     QByteArray beginning(int row, qsizetype bytes) const;
     /// The catalogue, most listeners first.
     const QJsonArray &stations() const { return stations_; }
+    /// What it answers to a GET of that target, head and all, until it closes the connection.
+    QByteArray get(const QString &target) const;
+    void signal(int number) const;
     /// The kinds of sound that it has besides, as it lists them: name, path and pitch.
     QJsonArray kinds() const;
     /// What it has logged so far under that name of an event.

@@ -1,9 +1,11 @@
 #include "support/pitch.h"
 
 #include <QFile>
+#include <QtEndian>
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace {
 constexpr double sampleRate = 44100;
@@ -14,27 +16,41 @@ constexpr double highestPitch = 2000;
 constexpr double semitone = 1.0594630943592953;
 constexpr double quarterTone = 1.0293;
 
-std::vector<double> lastSamples(const QString &wavFile)
+/// The end of a recording.
+struct Excerpt
+{
+    std::vector<double> samples;
+    double rate = sampleRate;
+};
+
+/// Without samples where the file is too short.
+Excerpt excerptOf(const QString &wavFile)
 {
     QFile file(wavFile);
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }
-    const QByteArray bytes = file.readAll();
-    const qsizetype header = bytes.indexOf("data") + 8;
-    const qsizetype frames = (bytes.size() - header) / bytesPerFrame;
-    if (header < 8 || frames < static_cast<qsizetype>(window)) {
+    constexpr qint64 longestHeader = 256;
+    constexpr qsizetype rateAt = 24;
+    const QByteArray head = file.read(longestHeader);
+    const qsizetype header = head.indexOf("data") + 8;
+    const qint64 frames = (file.size() - header) / bytesPerFrame;
+    if (header < 8 || frames < static_cast<qint64>(window)) {
+        return {};
+    }
+    file.seek(header + (frames - static_cast<qint64>(window)) * bytesPerFrame);
+    const QByteArray bytes = file.read(static_cast<qint64>(window) * bytesPerFrame);
+    if (bytes.size() < static_cast<qsizetype>(window) * bytesPerFrame) {
         return {};
     }
     std::vector<double> samples(window);
-    const qsizetype first = header + (frames - static_cast<qsizetype>(window)) * bytesPerFrame;
     for (std::size_t index = 0; index < window; ++index) {
-        const auto *frame = reinterpret_cast<const uchar *>(bytes.constData()) + first +
+        const auto *frame = reinterpret_cast<const uchar *>(bytes.constData()) +
                             static_cast<qsizetype>(index) * bytesPerFrame;
         const double phase = 2 * std::numbers::pi * static_cast<double>(index) / window;
         samples[index] = static_cast<qint16>(frame[0] | frame[1] << 8) * (0.5 - 0.5 * std::cos(phase));
     }
-    return samples;
+    return {std::move(samples), static_cast<double>(qFromLittleEndian<quint32>(head.constData() + rateAt))};
 }
 } // namespace
 
@@ -54,18 +70,18 @@ double energyAt(const std::vector<double> &samples, double frequency)
 
 double strongestPitch(const QString &wavFile)
 {
-    const std::vector<double> samples = lastSamples(wavFile);
+    const Excerpt excerpt = excerptOf(wavFile);
     double strongest = 0;
     double pitch = 0;
     // An eighth of a semitone a step is finer than the window's own resolution over most of the range.
     for (double frequency = lowestPitch; frequency < highestPitch; frequency *= std::pow(semitone, 0.125)) {
-        const double energy = energyAt(samples, frequency);
+        const double energy = energyAt(excerpt.samples, frequency);
         if (energy > strongest) {
             strongest = energy;
             pitch = frequency;
         }
     }
-    return pitch;
+    return pitch * excerpt.rate / sampleRate;
 }
 
 bool hasPitch(const QString &wavFile, double pitch)

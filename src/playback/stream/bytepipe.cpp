@@ -34,6 +34,12 @@ bool BytePipe::hasRoom() const
     return hasRoomLocked();
 }
 
+bool BytePipe::isEmpty() const
+{
+    const std::scoped_lock lock(mutex_);
+    return waiting_ == 0;
+}
+
 quint64 BytePipe::bytesRead() const
 {
     const std::scoped_lock lock(mutex_);

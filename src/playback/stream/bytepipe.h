@@ -26,6 +26,8 @@ public:
     /// Whether less than `enough` waits to be read.
     bool hasRoom() const;
 
+    /// Whether nothing waits to be read.
+    bool isEmpty() const;
     /// How much has been read in all.
     quint64 bytesRead() const;
     /// How much may be read in all; without limit at first.
