@@ -10,6 +10,7 @@
 #include "playback/stream/hls/hlsplaylist.h"
 #include "playback/stream/hls/hlssplicer.h"
 #include "playback/stream/hls/hlswindow.h"
+#include "playback/stream/oggtitles.h"
 #include "playback/stream/playlist.h"
 #include "ui/drag/dragpayload.h"
 
@@ -20,6 +21,7 @@
 #include <curl/curl.h>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
 /// Ends the process where the condition does not hold, so that the fuzzer keeps the input.
@@ -101,6 +103,28 @@ void fuzzFavouritesArchive(const QByteArray &data)
     require(again.has_value() && again->stations.size() == read->stations.size());
     // What was written is all that there was. Its bytes may differ once more: texts have two forms.
     require(again->whole);
+}
+
+/// However the bytes are cut, the titles are the same, each of a place that has been read.
+void fuzzOggTitles(const QByteArray &data)
+{
+    const auto titlesOf = [&data](qsizetype piece) {
+        QList<std::pair<quint64, QByteArray>> titles;
+        OggTitles reader;
+        for (qsizetype at = 0; at < data.size(); at += piece) {
+            reader.read(QByteArrayView(data).sliced(at, std::min(piece, data.size() - at)),
+                        [&](quint64 position, const QByteArray &title) {
+                            require(position < static_cast<quint64>(at + piece));
+                            require(title.size() <= OggTitles::maximumComments);
+                            titles.append({position, title});
+                        });
+        }
+        return titles;
+    };
+    constexpr qsizetype oddPiece = 7;
+    const auto whole = titlesOf(std::max(data.size(), qsizetype{1}));
+    require(titlesOf(1) == whole && titlesOf(oddPiece) == whole);
+    require(whole.isEmpty() || data.startsWith("OggS"));
 }
 
 void fuzzPlaylist(const QByteArray &data)

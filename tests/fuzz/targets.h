@@ -16,6 +16,8 @@ struct FuzzTarget
 void fuzzHttpRedirect(const QByteArray &data);
 void fuzzDirectoryAnswer(const QByteArray &data);
 void fuzzFavouritesArchive(const QByteArray &data);
+/// A stream, read at once and in pieces.
+void fuzzOggTitles(const QByteArray &data);
 void fuzzPlaylist(const QByteArray &data);
 void fuzzHlsPlaylist(const QByteArray &data);
 /// Segments of a stream, with "|SEGMENT|" between them.
@@ -26,10 +28,11 @@ void fuzzDisplayText(const QByteArray &data);
 /// What follows the token of this process.
 void fuzzDragPayload(const QByteArray &data);
 
-inline constexpr std::array<FuzzTarget, 9> fuzzTargets{{
+inline constexpr std::array<FuzzTarget, 10> fuzzTargets{{
     {"http-redirect", fuzzHttpRedirect},
     {"directory-answer", fuzzDirectoryAnswer},
     {"favourites-archive", fuzzFavouritesArchive},
+    {"ogg-titles", fuzzOggTitles},
     {"playlist", fuzzPlaylist},
     {"hls-playlist", fuzzHlsPlaylist},
     {"hls-segments", fuzzHlsSegments},

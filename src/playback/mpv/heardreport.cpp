@@ -49,8 +49,10 @@ HeardReport::~HeardReport()
 
 void HeardReport::titleHeard(const QByteArray &title)
 {
-    toldTitle_ = decoded(title);
-    report();
+    if (toldTitle_ || !title.isEmpty()) {
+        toldTitle_ = decoded(title);
+        report();
+    }
 }
 
 void HeardReport::bitrateAnnounced(int bitrate)
@@ -107,7 +109,7 @@ void HeardReport::setUnverified(bool isUnverified)
 void HeardReport::report()
 {
     heard_->setInfo(codec_.isEmpty() ? StreamInfo{}
-                                     : StreamInfo{.title = toldTitle_.isEmpty() ? taggedTitle_ : toldTitle_,
+                                     : StreamInfo{.title = toldTitle_.value_or(taggedTitle_),
                                                   .codec = codec_,
                                                   .bitrate = bitrate_ > 0 ? bitrate_ : announcedBitrate_,
                                                   .buffered = buffered_.value_or(0),

@@ -18,7 +18,8 @@ public:
     HeardReport(const HeardReport &) = delete;
     HeardReport &operator=(const HeardReport &) = delete;
 
-    /// What the station says beside the sound, as it came; empty where it says nothing.
+    /// What the station says that plays, as it came, in place of the stream's tags. An empty one takes the
+    /// one before away, and where there was none says nothing.
     void titleHeard(const QByteArray &title);
     /// In kbit/s, as the station announces it; 0 where it does not.
     void bitrateAnnounced(int bitrate);
@@ -36,7 +37,7 @@ private:
 
     std::shared_ptr<HeardStream> heard_;
     /// What the station says, and else what the stream's tags do.
-    QString toldTitle_;
+    std::optional<QString> toldTitle_;
     QString taggedTitle_;
     /// The tags as they came last.
     QByteArray titleTag_;

@@ -73,6 +73,7 @@ void LiveStream::adopt()
     resolved_ = response.url;
     target_ = resolved_;
     icy_.emplace(response);
+    oggTitles_.emplace();
     receivedBefore_ = bytesSent();
     isResting_ = false;
     setFacts({.bitrate = static_cast<int>(std::clamp<qint64>(
@@ -89,8 +90,14 @@ void LiveStream::receive()
     }
     pause_.stop();
     const QByteArray sound = icy_->take(current_->take(), [this](qsizetype before, const QByteArray &title) {
+        oggTitles_.reset();
         Q_EMIT titleRead(bytesSent() + static_cast<quint64>(before), title);
     });
+    if (oggTitles_) {
+        oggTitles_->read(sound, [this](quint64 position, const QByteArray &title) {
+            Q_EMIT titleRead(receivedBefore_ + position, title);
+        });
+    }
     send(sound);
     if (bytesSent() - receivedBefore_ >= worthwhileBytes) {
         attempts_ = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "playback/stream/icyreader.h"
+#include "playback/stream/oggtitles.h"
 #include "playback/stream/streamaccess.h"
 #include "playback/stream/streamconnection.h"
 #include "playback/stream/streamsource.h"
@@ -53,6 +54,8 @@ private:
     /// One that has been asked for and has not answered yet.
     ConnectionPointer next_;
     std::optional<IcyReader> icy_;
+    /// None where the server itself tells titles.
+    std::optional<OggTitles> oggTitles_;
     quint64 receivedBefore_ = 0;
     bool isResting_ = false;
     /// What is asked for next.
