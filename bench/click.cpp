@@ -1,7 +1,10 @@
 // From a double click on a station in the running program to the first sound at the sound server, beside an
-// idle mpv that is told to load the station's stream, and its playlist; in turn. Prints the three medians in
-// milliseconds.
+// idle mpv that is told to load the station's stream, and its playlist, and beside idle players that are told
+// to play that playlist over D-Bus; in turn. Prints the medians in milliseconds.
 
+// Before X11, whose macros have names of Qt's.
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -163,8 +166,8 @@ struct Contender
 
 int main(int argc, char *argv[])
 {
-    if (argc != 7) {
-        std::fprintf(stderr, "Usage: %s SOURCE X Y MPV-COMMANDS STREAM PLAYLIST\n", argv[0]);
+    if (argc < 7) {
+        std::fprintf(stderr, "Usage: %s SOURCE X Y MPV-COMMANDS STREAM PLAYLIST [PLAYER...]\n", argv[0]);
         return 2;
     }
     Monitor monitor(argv[1]);
@@ -178,13 +181,28 @@ int main(int argc, char *argv[])
         };
     };
     const auto stop = [&commands] { commands << "stop" << std::endl; };
-    std::array contenders{
+    std::vector<Contender> contenders{
         Contender{[&] { return devices.doubleClick(std::atoi(argv[2]), std::atoi(argv[3])); },
                   [&devices] { devices.controlAnd(XK_period); },
                   {}},
         Contender{load(argv[5]), stop, {}},
         Contender{load(argv[6]), stop, {}},
     };
+    for (int index = 7; index < argc; ++index) {
+        // By the names of the MPRIS D-Bus interface specification.
+        const auto tell = [player = QString::fromLocal8Bit(argv[index])](const char *method, auto... arguments) {
+            QDBusMessage message = QDBusMessage::createMethodCall(
+                QStringLiteral("org.mpris.MediaPlayer2.") + player, QStringLiteral("/org/mpris/MediaPlayer2"),
+                QStringLiteral("org.mpris.MediaPlayer2.Player"), QString::fromLatin1(method));
+            message.setArguments({arguments...});
+            const auto asked = Clock::now();
+            QDBusConnection::sessionBus().send(message);
+            return asked;
+        };
+        contenders.push_back({[tell, playlist = QString::fromLocal8Bit(argv[6])] { return tell("OpenUri", playlist); },
+                              [tell] { tell("Stop"); },
+                              {}});
+    }
 
     for (int round = 0; round < rounds; ++round) {
         for (Contender &contender : contenders) {

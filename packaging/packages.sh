@@ -46,4 +46,4 @@ root_packages=(debootstrap)
 # What ./fuzz is built with.
 fuzz_packages=(clang)
 # What ./bench/run compares with, and what it listens with.
-bench_packages=(mpv curl pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)
+bench_packages=(mpv audacious audacious-plugins vlc-bin vlc-plugin-base dbus dbus-daemon curl pulseaudio pulseaudio-utils libpulse-dev libxtst-dev)

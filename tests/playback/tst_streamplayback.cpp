@@ -228,11 +228,16 @@ void TestStreamPlayback::pauseAndResume()
     PlaybackOnFakes fixture;
     QCOMPARE(fixture.playback.togglePause(), StreamPlayback::Toggle::NoPlayer);
     fixture.play();
+    QCOMPARE(fixture.playback.togglePause(), StreamPlayback::Toggle::Paused);
+    QVERIFY(fixture.playback.globalTimer());
+    QCOMPARE(fixture.playback.togglePause(), StreamPlayback::Toggle::Resumed);
     fixture.reportRanges();
     QCOMPARE(fixture.playback.togglePause(), StreamPlayback::Toggle::Paused);
     QCOMPARE(fixture.status, u"Paused (buffering in background)"_s);
     QVERIFY(!fixture.playback.isPlaying());
     QVERIFY(!fixture.running);
+    // It has been heard: the time-out has nothing to ask any more.
+    QVERIFY(!fixture.playback.globalTimer());
     QCOMPARE(fixture.playback.togglePause(), StreamPlayback::Toggle::Resumed);
     QCOMPARE(fixture.status, u"Paused (buffering in background)"_s);
     QVERIFY(fixture.playback.isPlaying());
