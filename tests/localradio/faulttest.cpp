@@ -1,7 +1,11 @@
 #include "localradio/faults/faulthelp.h"
 
+#include <QDir>
+#include <QNetworkProxy>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSslSocket>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QtEndian>
 
@@ -110,13 +114,26 @@ private Q_SLOTS:
     void initTestCase()
     {
         program_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        QVERIFY(QDir(directory_.path()).exists());
+        const QString key = directory_.filePath(QStringLiteral("key"));
+        const QString certificate = directory_.filePath(QStringLiteral("certificate"));
+        QCOMPARE(
+            QProcess::execute(QStringLiteral("openssl"),
+                              QStringLiteral("req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes "
+                                             "-subj /CN=localhost -keyout %1 -out %2")
+                                  .arg(key, certificate)
+                                  .split(u' ')),
+            0);
         program_.start(QStringLiteral(LOCALRADIO_PROGRAM),
-                       {QStringLiteral("--faults"), QStringLiteral("--key"), QStringLiteral("k"),
+                       {QStringLiteral("--tls-key"), key, QStringLiteral("--tls-certificate"), certificate,
+                        QStringLiteral("--log"), directory_.filePath(QStringLiteral("log")),
+                        QStringLiteral("--faults"), QStringLiteral("--key"), QStringLiteral("k"),
                         QStringLiteral("--user"), QString::fromUtf8(user), QStringLiteral("--password"),
                         QString::fromUtf8(password)});
         port_ = readPort("localradio: listening on ");
         secondPort_ = readPort("localradio: second port on ");
-        QVERIFY(port_ != 0 && secondPort_ != 0 && port_ != secondPort_);
+        tlsPort_ = readPort("localradio: encrypted port on ");
+        QVERIFY(tlsPort_ != 0 && port_ != 0 && secondPort_ != 0 && port_ != secondPort_);
 
         Client search(port_, "/legacy/stationsearch?k=k&search=fault");
         QTRY_COMPARE(search.end(), QByteArray("closed"));
@@ -256,12 +273,101 @@ private Q_SLOTS:
         QTRY_VERIFY(isBack());
     }
 
+    /// The way over a redirect leads to the stream, and a token does so once.
+    void admission_data()
+    {
+        QTest::addColumn<QByteArray>("condition");
+        QTest::addColumn<QByteArray>("again");
+        QTest::newRow("token") << QByteArray("token") << QByteArray(" 403 ");
+        QTest::newRow("cookie") << QByteArray("cookie") << QByteArray(" 200 ");
+    }
+
+    void admission()
+    {
+        QFETCH(QByteArray, condition);
+        QFETCH(QByteArray, again);
+        Client redirected(port_, stream(condition + "=required&close-after=9"));
+        QTRY_COMPARE(redirected.end(), QByteArray("closed"));
+        static const QRegularExpression target(QStringLiteral("\nLocation: http://[^/]+(/\\S+)"));
+        static const QRegularExpression cookie(QStringLiteral("\nSet-Cookie: ([^;]+)"));
+        const auto answer = QString::fromUtf8(redirected.bytes());
+        const QByteArray way = target.match(answer).captured(1).toUtf8();
+        const QByteArray brought = "Cookie: a=b; " + cookie.match(answer).captured(1).toUtf8() + "\r\n";
+        for (const QByteArray &status : {QByteArray(" 200 "), again}) {
+            Client client(port_, way, brought);
+            QTRY_COMPARE(client.end(), QByteArray("closed"));
+            QVERIFY2(client.bytes().contains(status), client.bytes().constData());
+        }
+    }
+
+    void oneListenerAnAddress()
+    {
+        const QByteArray target = stream("listeners=1&slot=0.5").replace(ids_.first(), ids_.at(1));
+        auto first = std::make_unique<Client>(port_, target);
+        QTRY_VERIFY(first->bytes().contains(" 200 "));
+        const auto isTaken = [&] {
+            Client other(port_, target);
+            return QTest::qWaitFor([&] { return other.bytes().contains("\r\n\r\n"); }) &&
+                   other.bytes().contains(" 503 ");
+        };
+        QVERIFY(isTaken());
+        first.reset();
+        QTest::qWait(100);
+        QVERIFY(isTaken());
+        QVERIFY(QTest::qWaitFor([&] { return !isTaken(); })); // which takes it
+    }
+
+    void silence()
+    {
+        Client silent(port_, stream("body=endless"));
+        Client spared(secondPort_, stream("body=endless"));
+        QTRY_VERIFY(silent.bytes().size() > 0 && spared.bytes().size() > 0);
+        Client asking(port_, "/silence?seconds=1");
+        QTRY_COMPARE(asking.end(), QByteArray("closed"));
+        QTest::qWait(200); // for what is on its way
+        const qsizetype silentSize = silent.bytes().size();
+        const qsizetype sparedSize = spared.bytes().size();
+        QTest::qWait(200);
+        QCOMPARE(silent.bytes().size(), silentSize);
+        QVERIFY(spared.bytes().size() > sparedSize);
+        Client fresh(port_, stream("close-after=999"));
+        QTRY_COMPARE(fresh.end(), QByteArray("closed"));
+        QTRY_VERIFY(silent.bytes().size() > silentSize);
+        QCOMPARE(silent.end(), QByteArray("open"));
+    }
+
+    /// The same over TLS, directly and through the proxy; and what the log tells of it.
+    void encrypted()
+    {
+        for (const bool proxied : {false, true}) {
+            QSslSocket client;
+            client.setPeerVerifyMode(QSslSocket::VerifyNone);
+            if (proxied) {
+                client.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), port_));
+            }
+            client.connectToHostEncrypted(proxied ? QStringLiteral("radio.example")
+                                                  : QStringLiteral("127.0.0.1"),
+                                          proxied ? quint16{443} : tlsPort_);
+            QVERIFY2(client.waitForEncrypted(), qPrintable(client.errorString()));
+            client.write("GET " + stream("body=endless&close-after=500000") +
+                         " HTTP/1.1\r\nAuthorization: Basic secret\r\n\r\n");
+            QTRY_COMPARE(client.state(), QAbstractSocket::UnconnectedState);
+            QCOMPARE_GE(client.readAll().size(), 500'000);
+        }
+        QFile file(directory_.filePath(QStringLiteral("log")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray log = file.readAll();
+        QVERIFY(log.contains("\"method\":\"CONNECT\"") && log.contains("\"target\":\"radio.example:443\""));
+        QVERIFY(log.contains("\"authorization\":true") && log.contains("[\"Authorization\",\"sha256:"));
+        QVERIFY(!log.contains("secret"));
+    }
+
 private:
     quint16 readPort(const QByteArray &start)
     {
         while (!program_.canReadLine() && program_.waitForReadyRead()) {
         }
-        static const QRegularExpression address(QStringLiteral("^http://127\\.0\\.0\\.1:(\\d+)/\n$"));
+        static const QRegularExpression address(QStringLiteral("^https?://127\\.0\\.0\\.1:(\\d+)/\n$"));
         const QByteArray line = program_.readLine();
         return line.startsWith(start)
                    ? address.match(QString::fromUtf8(line.sliced(start.size()))).captured(1).toUShort()
@@ -274,7 +380,9 @@ private:
     QProcess program_;
     quint16 port_ = 0;
     quint16 secondPort_ = 0;
-    QByteArrayList ids_; // of the stations with faults
+    quint16 tlsPort_ = 0;
+    QTemporaryDir directory_; // and what the encrypted port needs
+    QByteArrayList ids_;      // of the stations with faults
 };
 
 namespace {
@@ -284,7 +392,7 @@ constexpr Fault faults[] = {
     {"STREAM?status=99", "closed", R"(^HTTP/1.1 400 .*\nstatus must be a whole number from 100 to 599\n$)"},
     {"STREAM?redirect=same", "closed", R"(^HTTP/1.1 302 .*\nLocation: MAIN/stream/STATION\r\n)"},
     {"STREAM?redirect=port", "closed", R"(\nLocation: SECOND/stream/STATION\r\n)"},
-    {"STREAM?redirect=tls", "closed", R"(\nLocation: https://127.0.0.1:0/stream/STATION\r\n)"},
+    {"STREAM?redirect=tls", "closed", R"(\nLocation: https://127.0.0.1:\d+/stream/STATION\r\n)"},
     {"STREAM?redirect=loop", "closed", R"(\nLocation: MAIN/stream/STATION\?redirect=loop\r\n)"},
     {"STREAM?redirect=file", "closed", R"(\nLocation: file:///etc/passwd\r\n)"},
     {"STREAM?redirect=x:/?%26&status=308", "closed", R"(^HTTP/1.1 308 .*\nLocation: x:/\?&\r\n)"},
@@ -297,7 +405,7 @@ constexpr Fault faults[] = {
     {"/kind/ogg-opus?after=1&body=ogg-packet&close-after=100000", "closed",
      R"(OpusHead.*OggS\0\0\xff{8}.*\xff{255}x)"},
     {"/kind/ogg-flac?body=ogg-second&paced=1&close-after=90000", "closed",
-     R"(no codecOggS.*FLAC.*\xff{16}x.*OggS)"},
+     R"(\r\n\r\nOggS.*FLAC.*OggS.*FLAC.*\xff{16}x.*OggS)"},
     {"/kind/fmp4?body=mp4-atom&close-after=999999", "closed",
      R"(Type: audio/mp4\r\n.*ftypM4A .*covr.{8}\0{3}\r\0{4}x)"},
     {"/kind/fmp4?body=mp4-bomb&close-after=2999999", "closed", R"(\x78\x01\xab\x18\x05\xa3.*\0{99}$)"},
@@ -333,7 +441,7 @@ constexpr Fault faults[] = {
     {"STREAM?icy=text-metaint&close-after=60000", "closed",
      R"(^(?!.*StreamTitle).*\nicy-metaint: often\r\n)"},
     {"STREAM?icy=unterminated&close-after=60000", "closed",
-     R"(\r\n\r\n.{16000}.StreamTitle='The Faults - \w+\0)"},
+     R"(\r\n\r\n.{16000}.StreamTitle='The Faults - (First\0|Second[^']))"},
     {"STREAM?icy=latin1&close-after=60000", "closed",
      R"(\r\n\r\n.{16000}.StreamTitle='D\xe9j\xe0 vu, The Faults - \w+';)"},
     {"STREAM?icy=nul&close-after=60000", "closed", R"(\r\n\r\n.{16000}.StreamTitle='[^'\0]+\0\0[^'\0]+';)"},
@@ -341,6 +449,15 @@ constexpr Fault faults[] = {
     {"STREAM?icy=flood&close-after=60000", "closed",
      R"(\r\n\r\n.{256}.StreamTitle='[^']+ 1';\0*.{256}.StreamTitle='[^']+ 2';)"},
     {"STREAM?icy=old-head&close-after=60000", "closed", R"(^ICY 200 OK\r\n.*\nicy-metaint: 16000\r\n)"},
+    {"STREAM?token=required&close-after=9", "closed",
+     R"(^HTTP/1.1 302 .*\nLocation: MAIN/stream/STATION\?token=[0-9a-z]{5,}&close-after=9\r\n)"},
+    {"STREAM?token=old", "closed", "^HTTP/1.1 403 "},
+    {"/hls/high.m3u8?cookie=required", "closed",
+     R"(: MAIN/hls/high.m3u8\?cookie=demanded\r\nSet-Cookie: ticket=\w+; Path=/\r\n)"},
+    {"STREAM?cookie=demanded", "closed", "^HTTP/1.1 403 "},
+    {"STREAM?listeners=1&busy=403&slot=2", "open", "^HTTP/1.0 200 "},
+    {"STREAM?listeners=1&busy=403&slot=2", "closed", "^HTTP/1.1 403 "},
+    {"/silence?seconds=61", "closed", "^HTTP/1.1 400 "},
     {"PRIVATE?close-after=9", "closed", R"(^HTTP/1.1 401 .*\nWWW-Authenticate: Basic realm=")"},
     {"/outage?seconds=60.1", "closed", "^HTTP/1.1 400 "},
     {"/refused", "closed", R"(\nFile1=http://127.0.0.1:\d+/\n)"},

@@ -6,16 +6,21 @@
 #include "localradio/http/basiclock.h"
 #include "localradio/http/httpserver.h"
 #include "localradio/http/requestlog.h"
+#include "localradio/http/tlsserver.h"
 #include "localradio/services/directoryservice.h"
+#include "localradio/services/doorkeeper.h"
 #include "localradio/services/faultservice.h"
 #include "localradio/services/hlsservice.h"
 #include "localradio/services/kindlist.h"
 #include "localradio/services/streammounts.h"
+#include "localradio/services/tunnel.h"
 #include "localradio/sound/soundlibrary.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -44,7 +49,8 @@ for Y stations after skipping X.
                                                   low, mid, high and video
   /private/kind/NAME, /private/hls/...            for one user only
 
-A second port, on the second line of output, serves the same. To learn how the
+A second port, on the second line of output, serves the same, and where there is
+a certificate an encrypted one, on the third. To learn how the
 streams are made to go wrong, see --help-faults.
 
 The built-in stations are invented, the same ones in every run. Each plays a
@@ -73,6 +79,10 @@ struct Options
 {
     quint16 port = 0;
     quint16 secondPort = 0;
+    quint16 tlsPort = 0;
+    QString certificate;
+    QString certificateKey;
+    double tlsHoldSeconds = 0;
     QByteArray user;
     QByteArray password;
     QString key;
@@ -95,6 +105,20 @@ Options readOptions(const QCoreApplication &application)
     const QCommandLineOption secondPort(QStringLiteral("second-port"),
                                         QStringLiteral("Second port; 0 picks a free one."),
                                         QStringLiteral("N"), QStringLiteral("0"));
+    const QCommandLineOption tlsPort(QStringLiteral("tls-port"),
+                                     QStringLiteral("Encrypted port; 0 picks a free one."),
+                                     QStringLiteral("N"), QStringLiteral("0"));
+    const QCommandLineOption certificate(
+        QStringLiteral("tls-certificate"),
+        QStringLiteral("Its certificate, a PEM file; there is no encrypted port without one."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption certificateKey(QStringLiteral("tls-key"),
+                                            QStringLiteral("The certificate's RSA or EC key, likewise."),
+                                            QStringLiteral("FILE"));
+    const QCommandLineOption tlsHold(
+        QStringLiteral("tls-hold"),
+        QStringLiteral("The first encrypted connection waits so long for its handshake, 0 to 600."),
+        QStringLiteral("SECONDS"), QStringLiteral("0"));
     const QCommandLineOption user(QStringLiteral("user"), QStringLiteral("User who may hear /private/ID."),
                                   QStringLiteral("NAME"), QStringLiteral("listener"));
     const QCommandLineOption password(QStringLiteral("password"), QStringLiteral("The user's password."),
@@ -133,8 +157,8 @@ Options readOptions(const QCoreApplication &application)
     parser.setApplicationDescription(QString::fromUtf8(description));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({port, secondPort, key, log, catalogue, loops, burst, user, password, list, listKinds,
-                       faults, helpFaults});
+    parser.addOptions({port, secondPort, tlsPort, certificate, certificateKey, tlsHold, key, log, catalogue,
+                       loops, burst, user, password, list, listKinds, faults, helpFaults});
     parser.process(application);
     if (parser.isSet(helpFaults)) {
         std::fputs(faultHelp, stdout);
@@ -143,9 +167,15 @@ Options readOptions(const QCoreApplication &application)
 
     bool portValid = false;
     bool secondPortValid = false;
+    bool tlsPortValid = false;
+    bool tlsHoldValid = false;
     bool burstValid = false;
     Options options{parser.value(port).toUShort(&portValid),
                     parser.value(secondPort).toUShort(&secondPortValid),
+                    parser.value(tlsPort).toUShort(&tlsPortValid),
+                    parser.value(certificate),
+                    parser.value(certificateKey),
+                    parser.value(tlsHold).toDouble(&tlsHoldValid),
                     parser.value(user).toUtf8(),
                     parser.value(password).toUtf8(),
                     parser.value(key),
@@ -156,14 +186,17 @@ Options readOptions(const QCoreApplication &application)
                     parser.isSet(list),
                     parser.isSet(listKinds),
                     parser.isSet(faults)};
-    if (!portValid || !secondPortValid) {
-        throw std::runtime_error("--port and --second-port must be numbers from 0 to 65535");
+    if (!portValid || !secondPortValid || !tlsPortValid) {
+        throw std::runtime_error("--port, --second-port and --tls-port must be numbers from 0 to 65535");
     }
     if (options.user.contains(':')) {
         throw std::runtime_error("--user must not contain a colon");
     }
     if (!burstValid || !(options.burstSeconds >= 0 && options.burstSeconds <= 600)) {
         throw std::runtime_error("--burst must be a number from 0 to 600");
+    }
+    if (!tlsHoldValid || !(options.tlsHoldSeconds >= 0 && options.tlsHoldSeconds <= 600)) {
+        throw std::runtime_error("--tls-hold must be a number from 0 to 600");
     }
     if (!parser.positionalArguments().isEmpty()) {
         throw std::runtime_error("unexpected argument: " +
@@ -222,8 +255,15 @@ int run(const QCoreApplication &application)
     HttpServer secondServer(logOrNone);
     listen(server, options.port);
     listen(secondServer, options.secondPort);
+    std::optional<HttpServer> tlsServer;
+    if (!options.certificate.isEmpty()) {
+        const auto hold = std::chrono::milliseconds(std::lround(options.tlsHoldSeconds * 1000));
+        tlsServer.emplace(logOrNone,
+                          std::make_unique<TlsServer>(options.certificate, options.certificateKey, hold));
+        listen(*tlsServer, options.tlsPort);
+    }
     const DirectoryService directory(*catalogue, options.key, server.origin());
-    const Ports ports{server.port(), secondServer.port()};
+    const Ports ports{server.port(), secondServer.port(), tlsServer ? tlsServer->port() : quint16{0}};
     SoundLibrary library(options.loops);
     StreamMounts mounts(*catalogue, library, options.burstSeconds, ports);
     HlsService hls(library, ports);
@@ -232,12 +272,17 @@ int run(const QCoreApplication &application)
     if (options.faults) {
         answerFaults.emplace(catalogue->stations().front().id, ports);
     }
+    Doorkeeper doorkeeper;
     const BasicLock lock(options.user, options.password);
     const auto handler = [&](HttpConnection &connection) {
+        if (Tunnel::serve(connection, ports)) {
+            return;
+        }
         const RequestTarget target(connection.request().target);
         if (target.path().startsWith(StreamMounts::privatePrefix) && !lock.opensFor(connection.request())) {
             connection.answer(BasicLock::challenge());
-        } else if (!(answerFaults && answerFaults->serve(connection, target)) &&
+        } else if (!doorkeeper.stops(connection, target) &&
+                   !(answerFaults && answerFaults->serve(connection, target)) &&
                    !mounts.serve(connection, target) && !hls.serve(connection, target) &&
                    !faults.serve(connection, target)) {
             connection.answer(directory.answer(target));
@@ -245,9 +290,15 @@ int run(const QCoreApplication &application)
     };
     server.setHandler(handler);
     secondServer.setHandler(handler);
+    if (tlsServer) {
+        tlsServer->setHandler(handler);
+    }
 
     std::printf("localradio: listening on %s/\n", qUtf8Printable(server.origin()));
     std::printf("localradio: second port on %s/\n", qUtf8Printable(secondServer.origin()));
+    if (tlsServer) {
+        std::printf("localradio: encrypted port on %s/\n", qUtf8Printable(tlsServer->origin()));
+    }
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

@@ -59,10 +59,30 @@ and a line that says which.
 /private/ID answers status 401 unless the request brings the user and the
 password of --user and --password.
 
+Any address at all can be entered on conditions:
+
+  token=required      a redirect to the same with a token that holds once; for
+                      whoever brings an old one status 403
+  cookie=required     a redirect to the same that sets a cookie; for whoever does
+                      not bring it there status 403
+  listeners=1         one at a time; for whoever else comes status 503
+  busy=N              another status, 400 to 599
+  slot=SECONDS        the place stays taken so long after its listener has gone
+
+/silence?seconds=N makes all connections on the first port silent for N seconds,
+at most 60: they stay open, and go on then. New ones are served at once.
+
 /outage?seconds=N resets all connections on the first port and refuses new
 ones for N seconds, at most 60. The second port stays.
 
-Either port is an http proxy as well, which serves the same for any host.
+Either port is an http proxy as well, which serves the same for any host. What
+CONNECT asks for is the port of this machine that it names, and for any other
+host the encrypted port. In the log, a request for a proxy has the scheme and
+the host in "proxied", or the method CONNECT; of credentials and cookies there
+is a digest.
+
+With --tls-hold SECONDS the first client of the encrypted port waits so long for
+the server's part of the handshake.
 
 /refused is a playlist that leads to a port where nobody listens.
 

@@ -27,6 +27,8 @@ QByteArray reasonFor(int status)
         return "Request Header Fields Too Large";
     case 500:
         return "Internal Server Error";
+    case 502:
+        return "Bad Gateway";
     case 503:
         return "Service Unavailable";
     default:

@@ -64,6 +64,9 @@ QByteArray HttpConnection::origin() const
 void HttpConnection::readHead()
 {
     const QByteArray bytes = socket_->readAll();
+    if (state_ == State::Streaming) {
+        Q_EMIT received(bytes);
+    }
     if (state_ != State::ReadingHead) {
         return; // nothing more is wanted from this client
     }
@@ -92,14 +95,14 @@ void HttpConnection::readHead()
 
 void HttpConnection::answer(const Answer &answer)
 {
-    socket_->write(request_.method == "HEAD" ? answer.head() : answer.head() + answer.body);
+    put(request_.method == "HEAD" ? answer.head() : answer.head() + answer.body);
     Q_EMIT answered(answer.status);
     closeWhenSent();
 }
 
 void HttpConnection::beginStream(int status, const QByteArray &head)
 {
-    socket_->write(head);
+    put(head);
     Q_EMIT answered(status);
     if (request_.method == "HEAD") {
         closeWhenSent();
@@ -112,9 +115,16 @@ void HttpConnection::beginStream(int status, const QByteArray &head)
 
 void HttpConnection::send(const QByteArray &bytes)
 {
-    if (state_ == State::Streaming && hold_.isActive()) {
+    if (state_ == State::Streaming) {
+        put(bytes);
+    }
+}
+
+void HttpConnection::put(const QByteArray &bytes)
+{
+    if (hold_.isActive()) {
         held_ += bytes;
-    } else if (state_ == State::Streaming) {
+    } else {
         socket_->write(bytes);
     }
 }

@@ -58,7 +58,7 @@ public:
     /// Resets the connection now; what is on its way may be lost.
     void reset();
 
-    /// What send() gets is kept back until `duration` is over, or longer if that has been said before: the
+    /// What is to be sent is kept back until `duration` is over, or longer if that has been said before: the
     /// connection stays open, and silent.
     void hold(std::chrono::milliseconds duration);
 
@@ -71,6 +71,9 @@ public:
 Q_SIGNALS:
     /// A whole, well-formed request has come in: to be answered now or later.
     void requestReceived();
+
+    /// More bytes have come from the client of a stream.
+    void received(const QByteArray &bytes);
 
     /// An answer has begun.
     void answered(int status);
@@ -90,6 +93,7 @@ private:
     void onBytesWritten(qint64 bytes);
     void onDeadline();
     void release();
+    void put(const QByteArray &bytes);
 
     QTcpSocket *socket_; // a child
     quint16 port_;       // kept here, since a socket forgets it when it closes

@@ -22,7 +22,7 @@ std::optional<HttpRequest> HttpRequest::parse(const QByteArray &head)
         proxied = words[1].first(std::max(words[1].indexOf('/', scheme.size()), qsizetype{0}));
         words[1].remove(0, proxied.size());
     }
-    if (words.size() != 3 || words[0].isEmpty() || !words[1].startsWith('/') ||
+    if (words.size() != 3 || words[0].isEmpty() || (!words[1].startsWith('/') && words[0] != "CONNECT") ||
         !words[2].startsWith("HTTP/1.")) {
         return std::nullopt;
     }

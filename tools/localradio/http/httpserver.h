@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 
 namespace localradio {
 
@@ -24,24 +25,30 @@ public:
     /// BadParameter instead, the answer is status 400 with what that says.
     using Handler = std::function<void(HttpConnection &)>;
 
-    /// `log`, which may be null, must outlive the server.
-    explicit HttpServer(RequestLog *log = nullptr, QObject *parent = nullptr);
+    /// `log`, which may be null, must outlive the server. `server` accepts the clients.
+    explicit HttpServer(RequestLog *log = nullptr,
+                        std::unique_ptr<QTcpServer> server = std::make_unique<QTcpServer>(),
+                        QObject *parent = nullptr);
 
     /// Starts to listen on 127.0.0.1; port 0 picks a free one. False if that cannot be: see errorString().
     bool listen(quint16 port);
-    QString errorString() const { return server_.errorString(); }
+    QString errorString() const { return server_->errorString(); }
 
     /// The port that it listens on, during an outage as well; 0 before listen().
     quint16 port() const { return port_; }
 
-    /// "http://127.0.0.1:PORT" of that port.
+    /// "http://127.0.0.1:PORT" of that port, or "https" if its clients are encrypted.
     QString origin() const;
 
     /// Simulates an outage: resets all connections but `spared`, which may be null, and refuses new ones
     /// until `duration`, counted from the latest call, is over. Then it listens on the same port again.
     void interrupt(std::chrono::milliseconds duration, const HttpConnection *spared);
 
-    /// Sets what answers GET and HEAD requests; other methods are refused before it.
+    /// Makes all connections but `spared`, which may be null, silent for `duration`: they stay open. New ones
+    /// are served at once.
+    void silence(std::chrono::milliseconds duration, const HttpConnection *spared);
+
+    /// Sets what answers GET, HEAD and CONNECT requests; other methods are refused before it.
     void setHandler(Handler handler) { handler_ = std::move(handler); }
 
 private:
@@ -49,7 +56,7 @@ private:
     void onRequest(HttpConnection &connection);
     void resume();
 
-    QTcpServer server_;
+    std::unique_ptr<QTcpServer> server_;
     quint16 port_ = 0;
     QTimer outage_; // until the end of one
     RequestLog *log_;

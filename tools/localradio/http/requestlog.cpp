@@ -2,6 +2,7 @@
 
 #include "localradio/http/httpconnection.h"
 
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -9,6 +10,22 @@
 #include <unistd.h>
 
 namespace localradio {
+
+namespace {
+
+/// What is logged of a header's value: of a secret only what tells it from another.
+QString loggable(const QByteArray &name, const QByteArray &value)
+{
+    const bool isSecret = name.compare("Authorization", Qt::CaseInsensitive) == 0 ||
+                          name.compare("Proxy-Authorization", Qt::CaseInsensitive) == 0 ||
+                          name.compare("Cookie", Qt::CaseInsensitive) == 0;
+    return isSecret ? QLatin1StringView("sha256:") +
+                          QString::fromLatin1(
+                              QCryptographicHash::hash(value, QCryptographicHash::Sha256).toHex().left(16))
+                    : QString::fromLatin1(value);
+}
+
+} // namespace
 
 bool RequestLog::open(const QString &fileName)
 {
@@ -31,16 +48,23 @@ void RequestLog::follow(HttpConnection &connection)
         const HttpRequest &request = connection.request();
         QJsonArray headers;
         for (const auto &[name, value] : request.headers) {
-            headers.append(QJsonArray{QString::fromLatin1(name), QString::fromLatin1(value)});
+            headers.append(QJsonArray{QString::fromLatin1(name), loggable(name, value)});
         }
+        const auto has = [&request](const char *name) { return !request.header(name).isNull(); };
         writeFor("request", {{QStringLiteral("method"), QString::fromLatin1(request.method)},
                              {QStringLiteral("proxied"), QString::fromLatin1(request.proxied)},
                              {QStringLiteral("target"), QString::fromLatin1(request.target)},
+                             {QStringLiteral("encrypted"), connection.isEncrypted()},
+                             {QStringLiteral("authorization"), has("Authorization")},
+                             {QStringLiteral("cookie"), has("Cookie")},
                              {QStringLiteral("headers"), headers}});
     });
-    QObject::connect(&connection, &HttpConnection::answered, &connection, [writeFor](int status) {
-        writeFor("answer", {{QStringLiteral("status"), status}});
-    });
+    QObject::connect(
+        &connection, &HttpConnection::answered, &connection, [writeFor, &connection](int status) {
+            writeFor("answer",
+                     {{QStringLiteral("status"), status},
+                      {QStringLiteral("target"), QString::fromLatin1(connection.request().target)}});
+        });
     QObject::connect(&connection, &HttpConnection::closed, &connection, [writeFor, &connection] {
         if (connection.hasStreamed()) {
             writeFor("closed", {{QStringLiteral("target"), QString::fromLatin1(connection.request().target)},

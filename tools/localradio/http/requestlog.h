@@ -9,7 +9,7 @@ class HttpConnection;
 
 /// A log of requests, answers, the ends of streams and outages, one JSON object a line, each written at
 /// once and with the port of this machine that it is about. Times are milliseconds since 1970; bytes from
-/// clients are written as Latin-1, so that each can be told.
+/// clients are written as Latin-1, so that each can be told, but of credentials and cookies only a digest.
 class RequestLog
 {
 public:

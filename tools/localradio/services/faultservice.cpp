@@ -13,6 +13,24 @@
 
 namespace localradio {
 
+namespace {
+
+std::chrono::milliseconds durationIn(const RequestTarget &target)
+{
+    const auto seconds = positiveNumber(target, QLatin1StringView("seconds"), 60);
+    if (!seconds) {
+        throw BadParameter("seconds must be given");
+    }
+    return std::chrono::milliseconds(std::lround(std::ceil(*seconds * 1000)));
+}
+
+QByteArray secondsOf(std::chrono::milliseconds duration)
+{
+    return QByteArray::number(static_cast<double>(duration.count()) / 1000);
+}
+
+} // namespace
+
 FaultService::FaultService(HttpServer &server)
     : server_(server)
 {
@@ -23,6 +41,8 @@ bool FaultService::serve(HttpConnection &connection, const RequestTarget &target
 {
     if (target.path() == u"/outage") {
         beginOutage(connection, target);
+    } else if (target.path() == u"/silence") {
+        beginSilence(connection, target);
     } else if (target.path() == u"/playlist") {
         sendPlaylist(connection, target);
     } else if (target.path() == u"/refused") {
@@ -37,12 +57,16 @@ bool FaultService::serve(HttpConnection &connection, const RequestTarget &target
 
 void FaultService::beginOutage(HttpConnection &connection, const RequestTarget &target)
 {
-    const auto seconds = positiveNumber(target, QLatin1StringView("seconds"), 60);
-    if (!seconds) {
-        throw BadParameter("seconds must be given");
-    }
-    connection.answer(Answer::plain(200, "Nobody listens for " + QByteArray::number(*seconds) + " s"));
-    server_.interrupt(std::chrono::milliseconds(std::lround(std::ceil(*seconds * 1000))), &connection);
+    const auto duration = durationIn(target);
+    connection.answer(Answer::plain(200, "Nobody listens for " + secondsOf(duration) + " s"));
+    server_.interrupt(duration, &connection);
+}
+
+void FaultService::beginSilence(HttpConnection &connection, const RequestTarget &target)
+{
+    const auto duration = durationIn(target);
+    connection.answer(Answer::plain(200, "Nothing is said for " + secondsOf(duration) + " s"));
+    server_.silence(duration, &connection);
 }
 
 void FaultService::sendPlaylist(HttpConnection &connection, const RequestTarget &target)

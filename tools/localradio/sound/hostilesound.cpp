@@ -38,20 +38,31 @@ std::unique_ptr<AudioSource> oggPacket(const HostileSound::Play &play, bool amid
         [=](qint64 number) { return !amid && number == 0 ? beginning : endlessPage(serial, number, 255); });
 }
 
+/// The heads of two streams, that of the second with another serial number, as they stand in one file.
+QByteArray bothHeads(const QByteArray &first, const QByteArray &second, quint32 serial)
+{
+    std::vector<OggPage> pages = OggPage::pagesOf(second);
+    QByteArray heads;
+    for (OggPage &page : pages) {
+        page.setSerialNumber(serial);
+        page.updateChecksum();
+        heads += page.bytes();
+        if (page.isFirst()) {
+            heads += first; // all streams begin before anything else of one
+        }
+    }
+    return heads;
+}
+
 /// The station, and pages of a second stream in between.
-std::unique_ptr<AudioSource> oggSecond(const HostileSound::Play &play, bool amid)
+std::unique_ptr<AudioSource> oggSecond(const HostileSound::Play &play, bool /*amid*/)
 {
     constexpr quint32 serial = 0x5ec0;
     constexpr int segments = 16;
     const std::shared_ptr<AudioSource> station = play();
     return std::make_unique<MadeBytes>([=](qint64 number) {
-        if (number == 0 && !amid) {
-            OggPage page = OggPage::firstOf("no codec");
-            page.setSerialNumber(serial);
-            page.updateChecksum();
-            return page.bytes();
-        }
-        return station->read(segments * 255) + endlessPage(serial, number, segments);
+        return number == 0 ? bothHeads(station->read(1), play()->read(1), serial)
+                           : station->read(segments * 255) + endlessPage(serial, number, segments);
     });
 }
 

@@ -54,23 +54,16 @@ OggPage::OggPage(const QByteArray &data, qsizetype offset)
     }
 }
 
-OggPage::OggPage(unsigned flags, qint64 position, const QByteArray &segments, const QByteArray &content)
-    : bytes_("OggS" + QByteArray(segmentsAt - 4, '\0') + segments + content)
-{
-    bytes_[flagsAt] = static_cast<char>(flags);
-    bytes_[segmentCountAt] = static_cast<char>(segments.size());
-    setGranulePosition(position);
-}
-
 OggPage OggPage::fullOf(const QByteArray &part, bool continued)
 {
     constexpr qint64 noPacketEnds = -1;
-    return {continued ? 1U : 0U, noPacketEnds, QByteArray(part.size() / fullSegment, '\xff'), part};
-}
-
-OggPage OggPage::firstOf(const QByteArray &packet)
-{
-    return {2U, 0, QByteArray(1, static_cast<char>(packet.size())), packet};
+    const qsizetype segments = part.size() / fullSegment;
+    QByteArray bytes = "OggS" + QByteArray(segmentsAt - 4, '\0') + QByteArray(segments, '\xff') + part;
+    bytes[flagsAt] = continued ? '\1' : '\0';
+    bytes[segmentCountAt] = static_cast<char>(segments);
+    OggPage page(bytes, 0);
+    page.setGranulePosition(noPacketEnds);
+    return page;
 }
 
 std::vector<OggPage> OggPage::pagesOf(const QByteArray &data)

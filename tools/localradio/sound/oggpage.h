@@ -19,9 +19,6 @@ public:
     /// before. `part` has a whole number of 255 bytes, at most 255 of them.
     static OggPage fullOf(const QByteArray &part, bool continued);
 
-    /// The first page of a stream, with a packet of less than 255 bytes.
-    static OggPage firstOf(const QByteArray &packet);
-
     /// The pages that stand one behind the other from the beginning of `data`, up to where there is none.
     static std::vector<OggPage> pagesOf(const QByteArray &data);
 
@@ -53,8 +50,6 @@ public:
     void updateChecksum();
 
 private:
-    OggPage(unsigned flags, qint64 position, const QByteArray &segments, const QByteArray &content);
-
     QByteArray bytes_;
 };
 
