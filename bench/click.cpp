@@ -190,7 +190,8 @@ int main(int argc, char *argv[])
     };
     for (int index = 7; index < argc; ++index) {
         // By the names of the MPRIS D-Bus interface specification.
-        const auto tell = [player = QString::fromLocal8Bit(argv[index])](const char *method, auto... arguments) {
+        const auto tell = [player = QString::fromLocal8Bit(argv[index])](const char *method,
+                                                                         auto... arguments) {
             QDBusMessage message = QDBusMessage::createMethodCall(
                 QStringLiteral("org.mpris.MediaPlayer2.") + player, QStringLiteral("/org/mpris/MediaPlayer2"),
                 QStringLiteral("org.mpris.MediaPlayer2.Player"), QString::fromLatin1(method));
@@ -199,9 +200,10 @@ int main(int argc, char *argv[])
             QDBusConnection::sessionBus().send(message);
             return asked;
         };
-        contenders.push_back({[tell, playlist = QString::fromLocal8Bit(argv[6])] { return tell("OpenUri", playlist); },
-                              [tell] { tell("Stop"); },
-                              {}});
+        contenders.push_back(
+            {[tell, playlist = QString::fromLocal8Bit(argv[6])] { return tell("OpenUri", playlist); },
+             [tell] { tell("Stop"); },
+             {}});
     }
 
     for (int round = 0; round < rounds; ++round) {

@@ -71,7 +71,8 @@ void TestHearAStation::pauseKeepsTheConnection()
     QCOMPARE(radio_.logged(u"request"_s).size(), requests);
 }
 
-/// A server that falls silent, and for good: the sound ends when the buffer has run out, and so does the player.
+/// A server that falls silent, and for good: the sound ends when the buffer has run out, and so does the
+/// player.
 void TestHearAStation::lostConnectionsAreNoticed()
 {
     OneStationDirectory server;
