@@ -43,6 +43,20 @@ double peakOf(const Samples &samples)
                            [](double most, double sample) { return std::max(most, std::abs(sample)); });
 }
 
+/// How many samples of nothing at all there are on end, between what is heard.
+std::ptrdiff_t longestGap(const Samples &samples)
+{
+    std::ptrdiff_t longest = 0;
+    const auto isHeard = [](double value) { return value != 0; };
+    auto last = std::find_if(samples.begin(), samples.end(), isHeard);
+    while (last != samples.end()) {
+        const auto next = std::find_if(last + 1, samples.end(), isHeard);
+        longest = next == samples.end() ? longest : std::max(longest, next - last - 1);
+        last = next;
+    }
+    return longest;
+}
+
 /// The second differences: little is left of tones, and everything of clicks and hiss.
 Samples edgesOf(const Samples &samples)
 {
@@ -140,6 +154,8 @@ private Q_SLOTS:
     void everyStartHasTheLevel();
     void soundServerMayGoAndCome();
     void silenceIsImmediate();
+    void chainIsHeardAsOne_data();
+    void chainIsHeardAsOne();
 
 private:
     QString station(double pitch) const;
@@ -304,6 +320,35 @@ void TestSound::silenceIsImmediate()
     QVERIFY(stage->plays(tone.address(u"/tone"_s)));
     stage.reset();
     QCOMPARE_LT(heard(recorder.next(second)), longest);
+}
+
+void TestSound::chainIsHeardAsOne_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("titles that FFmpeg keeps to itself") << u"/kind/chained-flac"_s;
+    QTest::newRow("another rate, fewer channels") << u"/kind/changing-vorbis"_s;
+}
+
+/// Each link has its title, and there is no gap where it begins.
+void TestSound::chainIsHeardAsOne()
+{
+    QFETCH(QString, path);
+    constexpr std::ptrdiff_t shortestGap = second / 200;
+    // Three links take 30.72 s: who comes at once begins within the first, of which some seconds are left.
+    const LocalRadio radio({u"--burst"_s, u"26"_s});
+    SoundRecorder recorder;
+    SoundStage stage(radio.address(), recorder);
+    QStringList titles;
+    connect(&stage.backend.heardStream(), &HeardStream::changed, &stage.window, [&](const StreamInfo &info) {
+        if (!info.title.isEmpty() && (titles.isEmpty() || titles.constLast() != info.title)) {
+            titles.append(info.title);
+        }
+    });
+    QVERIFY(stage.plays(radio.address() + path));
+    QTRY_VERIFY_WITH_TIMEOUT(titles.size() > 1, Stage::soundTime);
+    QCOMPARE(titles, QStringList({u"The Chain - First Link"_s, u"The Chain - Second Link"_s}));
+    recorder.next(second);
+    QCOMPARE_LT(longestGap(recorder.samples(0)), shortestGap);
 }
 
 QTEST_MAIN(TestSound)
