@@ -77,7 +77,10 @@ std::unique_ptr<AudioSource> SoundLibrary::source(const Kind &kind)
     if (!played) {
         return nullptr;
     }
-    const auto start = QRandomGenerator::global()->bounded(static_cast<int>(played->units.size()));
+    // Who hears a chain knows which of its links comes when.
+    const int start = kind.container == Container::Chain
+                          ? 0
+                          : QRandomGenerator::global()->bounded(static_cast<int>(played->units.size()));
     return std::make_unique<EndlessTurn>(std::move(played), start);
 }
 
