@@ -55,7 +55,7 @@ void TestKinds::kindsAreHeard_data()
     QTest::addColumn<double>("pitch");
     const QJsonArray kinds = radio_.kinds();
     QVERIFY(!kinds.isEmpty());
-    for (const QJsonValue &kind : kinds) {
+    for (const auto &kind : kinds) {
         QTest::newRow(qPrintable(kind["name"_L1].toString()))
             << kind["path"_L1].toString() << kind["pitch"_L1].toDouble();
     }

@@ -183,7 +183,7 @@ void TestStreamFaults::deadStationsEnd_data()
              "STREAM?redirect=loop",
              "STREAM?redirect=file://SOUND",
              "RADIO/refused",
-             "file://SOUND memory://x edl://SOUND SOUND",
+             "file://SOUND memory://x edl://SOUND",
              "RADIO/playlist",
              "RADIO/playlist?itself=1",
              "RADIO/playlist?each-other=1 RADIO/playlist?each-other=2",

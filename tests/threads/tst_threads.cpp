@@ -77,6 +77,9 @@ std::unique_ptr<const MpvLibrary> MpvLibrary::open()
         return use(handle);
     };
     library->requestLogMessages = [](mpv_handle *handle, const char *) { return use(handle); };
+    library->streamCbAddRo = [](mpv_handle *handle, const char *, void *, mpv_stream_cb_open_ro_fn) {
+        return use(handle);
+    };
     library->setWakeupCallback = [](mpv_handle *handle, void (*)(void *), void *) { use(handle); };
     return library;
 }

@@ -14,11 +14,11 @@ BytePipe &pipeOf(void *cookie)
 }
 } // namespace
 
-QByteArray PipeProtocol::offer(std::shared_ptr<BytePipe> pipe)
+QByteArray PipeProtocol::offer(const std::shared_ptr<BytePipe> &pipe)
 {
     const std::scoped_lock lock(mutex_);
     QByteArray address = scheme + QByteArray("://") + QByteArray::number(++lastNumber_);
-    offered_.insert(address, std::move(pipe));
+    offered_.insert(address, pipe);
     return address;
 }
 

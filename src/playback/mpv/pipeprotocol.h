@@ -17,7 +17,7 @@ public:
     static constexpr char scheme[] = "plumtide";
 
     /// The address under which the core finds `pipe`.
-    QByteArray offer(std::shared_ptr<BytePipe> pipe);
+    QByteArray offer(const std::shared_ptr<BytePipe> &pipe);
 
     /// An mpv_stream_cb_open_ro_fn; `protocol` is one of these.
     static int open(void *protocol, char *address, mpv_stream_cb_info *info);

@@ -1,8 +1,17 @@
 #include "playback/stream/streamsource.h"
 
+#include <QLoggingCategory>
+#include <algorithm>
+#include <utility>
+
 namespace {
+Q_LOGGING_CATEGORY(lcSource, "plumtide.playback")
+
 /// More than servers send at once to begin with; half a minute at 128 kbit/s.
 constexpr qsizetype longestBeginning = 512 * 1024;
+/// Begins the compressed header of a QuickTime file, which FFmpeg inflates at once, to any size that it
+/// states. Nothing that plays as it comes has one.
+constexpr QByteArrayView compressedHeader("dcomzlib");
 } // namespace
 
 StreamSource::~StreamSource()
@@ -27,16 +36,36 @@ void StreamSource::settle()
     isSettled_ = true;
     isKept_ = false;
     beginning_ = {};
+    end_ = {};
 }
 
 void StreamSource::send(const QByteArray &bytes)
 {
+    if (isFinished_) {
+        return;
+    }
+    if (isHarmful(bytes)) {
+        qCWarning(lcSource) << "a stream has a compressed header; it is not played";
+        finish();
+        return;
+    }
     sent_ += static_cast<quint64>(bytes.size());
     if (isKept_) {
         isKept_ = beginning_.size() + bytes.size() <= longestBeginning;
         beginning_ = isKept_ ? beginning_ + bytes : QByteArray();
     }
     pipe_->write(bytes);
+}
+
+/// Whatever piece of it comes first.
+bool StreamSource::isHarmful(const QByteArray &bytes)
+{
+    if (isSettled_) {
+        return false;
+    }
+    const QByteArray seen = std::exchange(end_, {}) + bytes;
+    end_ = seen.last(std::min(seen.size(), compressedHeader.size() - 1));
+    return seen.indexOf(compressedHeader) >= 0;
 }
 
 void StreamSource::finish()

@@ -62,6 +62,7 @@ protected:
     virtual void moreWanted() = 0;
 
 private:
+    bool isHarmful(const QByteArray &bytes);
     void pipeChanged();
     void leavePipe();
 
@@ -70,6 +71,8 @@ private:
     /// All that has been sent; while isKept_.
     QByteArray beginning_;
     bool isKept_ = true;
+    /// The last bytes that have been sent, before it is settled.
+    QByteArray end_;
     bool isSettled_ = false;
     bool isFinished_ = false;
     quint64 sent_ = 0;

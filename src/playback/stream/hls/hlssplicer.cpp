@@ -38,7 +38,7 @@ QByteArray HlsSplicer::take(const QByteArray &bytes)
         }
         recognise();
     }
-    const QByteArray sound = isBeginning ? std::exchange(head_, {}) : bytes;
+    QByteArray sound = isBeginning ? std::exchange(head_, {}) : bytes;
     switch (kind_) {
     case Kind::Packets:
         return packets_.take(sound);
