@@ -27,7 +27,7 @@ QString somethingNew(QSet<QString> &given)
     if (given.size() == maxOpen) {
         given.clear();
     }
-    const QString text = QString::number(QRandomGenerator::global()->generate64(), 36);
+    QString text = QString::number(QRandomGenerator::global()->generate64(), 36);
     given.insert(text);
     return text;
 }
