@@ -98,12 +98,12 @@ QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bo
 }
 
 /// What stands behind the prefix that `path` begins with, privately or not; a null string if it does not.
-QString behind(QStringView path, QLatin1StringView prefix)
+QString behind(QStringView path, QLatin1StringView start)
 {
     if (path.startsWith(StreamMounts::privatePrefix)) {
         path = path.sliced(StreamMounts::privatePrefix.size() - 1);
     }
-    return path.startsWith(prefix) ? path.sliced(prefix.size()).toString() : QString();
+    return path.startsWith(start) ? path.sliced(start.size()).toString() : QString();
 }
 
 } // namespace
