@@ -16,7 +16,7 @@ constexpr QLatin1StringView cookieName("cookie");
 constexpr QLatin1StringView listenersName("listeners");
 constexpr QLatin1StringView required("required");
 constexpr QLatin1StringView demanded("demanded");
-constexpr char ticketCookie[] = "ticket=";
+constexpr char ticketPrefix[] = "ticket=";
 
 /// What has been given out and never came back.
 constexpr qsizetype maxOpen = 10'000;
@@ -33,7 +33,7 @@ QString somethingNew(QSet<QString> &given)
 }
 
 /// A redirect to the same address with another value of the parameter `name`, which is "required" there.
-void sendTo(HttpConnection &connection, QLatin1StringView name, const QString &value,
+void sendOn(HttpConnection &connection, QLatin1StringView name, const QString &value,
             const QByteArray &headers = {})
 {
     const QByteArray before = QByteArray(name.data(), name.size()) + "=";
@@ -65,7 +65,7 @@ bool Doorkeeper::stopsWithoutToken(HttpConnection &connection, const RequestTarg
         return false;
     }
     if (token == required) {
-        sendTo(connection, tokenName, somethingNew(tokens_));
+        sendOn(connection, tokenName, somethingNew(tokens_));
     } else {
         connection.answer(Answer::plain(403));
     }
@@ -80,14 +80,14 @@ bool Doorkeeper::stopsWithoutCookie(HttpConnection &connection, const RequestTar
         return false;
     }
     if (values.at(*wanted) == required) {
-        sendTo(connection, cookieName, demanded,
-               "Set-Cookie: " + (ticketCookie + somethingNew(cookies_).toUtf8()) + "; Path=/\r\n");
+        sendOn(connection, cookieName, demanded,
+               "Set-Cookie: " + (ticketPrefix + somethingNew(cookies_).toUtf8()) + "; Path=/\r\n");
         return true;
     }
     for (const QByteArray &pair : connection.request().header("Cookie").split(';')) {
         const QByteArray brought = pair.trimmed();
-        if (brought.startsWith(ticketCookie) &&
-            cookies_.contains(QString::fromUtf8(brought.mid(sizeof(ticketCookie) - 1)))) {
+        if (brought.startsWith(ticketPrefix) &&
+            cookies_.contains(QString::fromUtf8(brought.mid(sizeof(ticketPrefix) - 1)))) {
             return false;
         }
     }

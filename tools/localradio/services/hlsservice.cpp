@@ -12,8 +12,8 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <limits>
 
 namespace localradio {
 
@@ -89,9 +89,9 @@ HlsService::HlsService(SoundLibrary &library, const Ports &ports)
 
 bool HlsService::serve(HttpConnection &connection, const RequestTarget &target)
 {
-    const auto *const prefix = std::ranges::find_if(
-        prefixes, [&target](QLatin1StringView start) { return target.path().startsWith(start); });
-    if (prefix == std::end(prefixes)) {
+    const auto *const used = std::ranges::find_if(
+        prefixes, [&target](QLatin1StringView begin) { return target.path().startsWith(begin); });
+    if (used == std::end(prefixes)) {
         return false;
     }
     const HlsOrder order = HlsOrder::read(target);
@@ -100,7 +100,7 @@ bool HlsService::serve(HttpConnection &connection, const RequestTarget &target)
         outlet->answer(*fault);
         return true;
     }
-    const auto answer = answerTo(connection, target, target.path().sliced(prefix->size()), order);
+    const auto answer = answerTo(connection, target, target.path().sliced(used->size()), order);
     if (!answer) {
         outlet->answer(Answer::plain(404));
     } else if (order.endless) {

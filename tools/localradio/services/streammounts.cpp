@@ -97,13 +97,13 @@ QByteArray streamHead(const Programme &programme, const StreamFaults &faults, bo
     return head + "\r\n";
 }
 
-/// What stands behind the beginning that `path` has, privately or not; a null string if it does not.
-QString behind(QStringView path, QLatin1StringView beginning)
+/// What stands behind the prefix that `path` begins with, privately or not; a null string if it does not.
+QString behind(QStringView path, QLatin1StringView start)
 {
     if (path.startsWith(StreamMounts::privatePrefix)) {
         path = path.sliced(StreamMounts::privatePrefix.size() - 1);
     }
-    return path.startsWith(beginning) ? path.sliced(beginning.size()).toString() : QString();
+    return path.startsWith(start) ? path.sliced(start.size()).toString() : QString();
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "localradio/sound/oggpage.h"
 #include "localradio/sound/turn.h"
 
-#include <QtEndian>
+#include <algorithm>
 
 namespace localradio {
 

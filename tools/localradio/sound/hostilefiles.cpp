@@ -37,7 +37,7 @@ QByteArray element(const char *id, const QByteArray &content, quint64 missing = 
            bigEndian(eightByteSize | (static_cast<quint64>(content.size()) + missing)) + content;
 }
 
-constexpr qsizetype tsPacketSize = 188;
+constexpr qsizetype videoPacketSize = 188;
 constexpr int mapPid = 0x100;
 constexpr int mpegPid = 0x101;
 constexpr int h264Pid = 0x102;
@@ -51,7 +51,7 @@ QByteArray packet(int pid, qint64 counter, const QByteArray &payload, bool begin
     packet[2] = static_cast<char>(pid);
     packet[3] = static_cast<char>(0x10 | (counter & 0x0f));
     packet += payload;
-    while (packet.size() < tsPacketSize) {
+    while (packet.size() < videoPacketSize) {
         packet += table ? '\xff' : static_cast<char>(QRandomGenerator::global()->generate());
     }
     return packet;

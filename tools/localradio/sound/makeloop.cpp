@@ -285,7 +285,8 @@ constexpr std::array chainRecipes{
     ChainRecipe{"chained-flac", "-c:a flac"},
     ChainRecipe{"changing-vorbis", "-c:a libvorbis -q:a 4", "-ar 32000 -ac 1 -q:a 7"},
     ChainRecipe{"changing-opus", "-c:a libopus -b:a 96k", "-ac 1"},
-    ChainRecipe{"changing-flac", "-c:a flac", "-ar 96000 -ac 1"},
+    // Blocks of one size: decoders take no longer ones than the first link has announced.
+    ChainRecipe{"changing-flac", "-c:a flac -frame_size 3072", "-ar 96000 -ac 1"},
 };
 
 QByteArray makeTurn(const QString &ffmpeg, const Recipe &recipe, const Sound &sound)

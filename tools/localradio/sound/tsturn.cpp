@@ -10,7 +10,7 @@ namespace localradio {
 namespace {
 
 // Of ISO/IEC 13818-1.
-constexpr qsizetype packetSize = 188;
+constexpr qsizetype tsPacketSize = 188;
 constexpr qint64 clockRate = 90000;
 constexpr qint64 clockModulus = qint64{1} << 33;
 constexpr qint64 unitTicks = clockRate * kindUnitSamples / kindSampleRate;
@@ -122,8 +122,8 @@ Turn Turn::ofTransportStream(const QByteArray &file)
     Turn turn;
     std::map<int, int> packetCounts;
     std::optional<qint64> start;
-    for (qsizetype at = 0; at + packetSize <= file.size(); at += packetSize) {
-        const QByteArray packet = file.mid(at, packetSize);
+    for (qsizetype at = 0; at + tsPacketSize <= file.size(); at += tsPacketSize) {
+        const QByteArray packet = file.mid(at, tsPacketSize);
         tables.read(packet);
         const int pid = pidOf(packet);
         if (tables.contain(pid)) {
@@ -151,8 +151,8 @@ Turn Turn::ofTransportStream(const QByteArray &file)
             count(table, number);
             stamped += table;
         }
-        for (qsizetype at = 0; at < unit.size(); at += packetSize) {
-            QByteArray packet = unit.mid(at, packetSize);
+        for (qsizetype at = 0; at < unit.size(); at += tsPacketSize) {
+            QByteArray packet = unit.mid(at, tsPacketSize);
             count(packet, byteAt(packet, 3) + turns * packetCounts.at(pidOf(packet)));
             delayClock(packet, delay);
             auto [times, timeCount] = timesOf(packet);
