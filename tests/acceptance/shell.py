@@ -52,7 +52,8 @@ class Shell(ProgramTest):
             self.wait_until(lambda: self.visible(display))
             self.assertIsNone(process.poll())
         # One list, one stream: neither was asked for again.
-        targets = [json.loads(line).get("target", "") for line in log.read_text().splitlines()]
+        entries = [json.loads(line) for line in log.read_text().splitlines()]
+        targets = [entry["target"] for entry in entries if entry["event"] == "request"]
         for beginning in ("/legacy/Top500", "/stream/"):
             self.assertEqual(len([target for target in targets if target.startswith(beginning)]), 1, targets)
         self.press(display, "ctrl+w")

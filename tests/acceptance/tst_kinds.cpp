@@ -3,8 +3,8 @@
 #include "support/scriptedserver.h"
 #include "support/stage.h"
 
+#include <QFile>
 #include <QTest>
-#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -40,13 +40,13 @@ void TestKinds::initTestCase()
 void TestKinds::hear(const QString &address, double pitch)
 {
     stage_->statuses.clear();
+    // What is in it is another station's; the file takes sound as fast as it comes, and some of that has an
+    // end.
+    QFile::remove(sound_);
     stage_->playback.playRadioFromURL(address, address);
-    // The file takes sound as fast as it comes, and some of it has an end.
-    const qsizetype start = Stage::healthyStart.size();
-    QTRY_COMPARE_WITH_TIMEOUT(stage_->statuses.first(std::min(start, stage_->statuses.size())),
-                              Stage::healthyStart, Stage::soundTime);
     QTRY_VERIFY2_WITH_TIMEOUT(hasPitch(sound_, pitch), qPrintable(QString::number(strongestPitch(sound_))),
                               Stage::soundTime);
+    QVERIFY(!stage_->statuses.contains(Stage::failure.at(1)));
 }
 
 void TestKinds::kindsAreHeard_data()

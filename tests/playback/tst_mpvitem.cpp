@@ -99,6 +99,8 @@ MpvLibrary scriptedLibrary()
     library.requestLogMessages = [](mpv_handle *, const char *) { return 0; };
     library.observeProperty = [](mpv_handle *, uint64_t, const char *, mpv_format) { return 0; };
     library.streamCbAddRo = [](mpv_handle *, const char *, void *, mpv_stream_cb_open_ro_fn) { return 0; };
+    library.commandAsync = [](mpv_handle *, uint64_t, const char **) { return 0; };
+    library.commandNodeAsync = [](mpv_handle *, uint64_t, mpv_node *) { return 0; };
     library.waitEvent = [](mpv_handle *, double) {
         if (core.waiting.empty()) {
             core.told.reset();
