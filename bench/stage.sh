@@ -90,27 +90,35 @@ start_idle_mpv() {
     start_mpv --idle --input-ipc-client=fd://5 5<$mpv_commands
 }
 
-# Starts other players without a window, which wait on a session bus of their own; sets $players to their names there.
+# Starts other players without a window, which wait on a session bus of their own; sets $players to the names there of
+# those that do.
 start_players() {
     local as_user=()
     # vlc does not run for root.
     [ "$(id -u)" -ne 0 ] || as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
     mkdir -p $stage/players
-    chmod 755 "$runtime"
-    chmod 777 $stage/players
+    chmod 755 "$runtime" "$runtime/pulse"
+    chmod 777 $stage/players "$runtime/pulse/native"
     cat >$stage/bus.conf <<END
 <busconfig><listen>unix:path=$runtime/bus</listen><auth>EXTERNAL</auth><policy context="default"><allow user="*"/>
 <allow send_destination="*" eavesdrop="true"/><allow own="*"/></policy></busconfig>
 END
     dbus-daemon --config-file=$stage/bus.conf --nofork 2>$stage/bus.log &
     wait_for test -S "$runtime/bus"
+    chmod 777 "$runtime/bus"
     export DBUS_SESSION_BUS_ADDRESS=unix:path=$runtime/bus
     HOME=$PWD/$stage/players "${as_user[@]}" audacious --headless >$stage/audacious.log 2>&1 &
     HOME=$PWD/$stage/players "${as_user[@]}" cvlc --intf dbus --aout pulse --no-video >$stage/vlc.log 2>&1 &
-    players=(audacious vlc)
-    for player in "${players[@]}"; do
-        wait_for dbus-send --session --print-reply --dest="org.mpris.MediaPlayer2.$player" /org/mpris/MediaPlayer2 \
-            org.freedesktop.DBus.Peer.Ping
+    sleep 3
+    players=()
+    local player
+    for player in audacious vlc; do
+        if dbus-send --session --print-reply --dest="org.mpris.MediaPlayer2.$player" /org/mpris/MediaPlayer2 \
+            org.freedesktop.DBus.Peer.Ping >/dev/null 2>&1; then
+            players+=("$player")
+        else
+            echo "$player does not answer on its session bus, and is left out"
+        fi
     done
 }
 
