@@ -189,7 +189,7 @@ int main(int argc, char *argv[])
         Contender{load(argv[6]), stop, {}},
     };
     for (int index = 7; index < argc; ++index) {
-        // By the names of the MPRIS D-Bus interface specification.
+        // The names are those of MPRIS.
         const auto tell = [player = QString::fromLocal8Bit(argv[index])](const char *method,
                                                                          auto... arguments) {
             QDBusMessage message = QDBusMessage::createMethodCall(

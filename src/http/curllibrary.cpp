@@ -1,6 +1,7 @@
 #include "http/curllibrary.h"
 
-#include <QLibrary>
+#include "base/libraryfunction.h"
+
 #include <QLoggingCategory>
 #include <memory>
 
@@ -13,31 +14,24 @@ Q_LOGGING_CATEGORY(lcHttp, "plumtide.http")
 constexpr int interfaceVersion = 4;
 constexpr unsigned leastVersion = CURL_VERSION_BITS(7, 88, 0);
 
-template <class Function>
-bool find(QLibrary &library, const char *name, Function &function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
-
 bool findAll(QLibrary &library, CurlLibrary &functions)
 {
-    return find(library, "curl_easy_init", functions.easyInit) &&
-           find(library, "curl_easy_cleanup", functions.easyCleanup) &&
-           find(library, "curl_easy_pause", functions.easyPause) &&
-           find(library, "curl_easy_setopt", functions.easySetopt) &&
-           find(library, "curl_easy_getinfo", functions.easyGetinfo) &&
-           find(library, "curl_easy_nextheader", functions.easyNextheader) &&
-           find(library, "curl_easy_strerror", functions.easyStrerror) &&
-           find(library, "curl_slist_append", functions.slistAppend) &&
-           find(library, "curl_slist_free_all", functions.slistFreeAll) &&
-           find(library, "curl_multi_init", functions.multiInit) &&
-           find(library, "curl_multi_cleanup", functions.multiCleanup) &&
-           find(library, "curl_multi_setopt", functions.multiSetopt) &&
-           find(library, "curl_multi_add_handle", functions.multiAddHandle) &&
-           find(library, "curl_multi_remove_handle", functions.multiRemoveHandle) &&
-           find(library, "curl_multi_socket_action", functions.multiSocketAction) &&
-           find(library, "curl_multi_info_read", functions.multiInfoRead);
+    return findFunction(library, "curl_easy_init", functions.easyInit) &&
+           findFunction(library, "curl_easy_cleanup", functions.easyCleanup) &&
+           findFunction(library, "curl_easy_pause", functions.easyPause) &&
+           findFunction(library, "curl_easy_setopt", functions.easySetopt) &&
+           findFunction(library, "curl_easy_getinfo", functions.easyGetinfo) &&
+           findFunction(library, "curl_easy_nextheader", functions.easyNextheader) &&
+           findFunction(library, "curl_easy_strerror", functions.easyStrerror) &&
+           findFunction(library, "curl_slist_append", functions.slistAppend) &&
+           findFunction(library, "curl_slist_free_all", functions.slistFreeAll) &&
+           findFunction(library, "curl_multi_init", functions.multiInit) &&
+           findFunction(library, "curl_multi_cleanup", functions.multiCleanup) &&
+           findFunction(library, "curl_multi_setopt", functions.multiSetopt) &&
+           findFunction(library, "curl_multi_add_handle", functions.multiAddHandle) &&
+           findFunction(library, "curl_multi_remove_handle", functions.multiRemoveHandle) &&
+           findFunction(library, "curl_multi_socket_action", functions.multiSocketAction) &&
+           findFunction(library, "curl_multi_info_read", functions.multiInfoRead);
 }
 
 std::unique_ptr<const CurlLibrary> open()
@@ -51,8 +45,10 @@ std::unique_ptr<const CurlLibrary> open()
     auto functions = std::make_unique<CurlLibrary>();
     decltype(&curl_global_init) initialise = nullptr;
     decltype(&curl_version_info) describe = nullptr;
-    if (!library.load() || !findAll(library, *functions) || !find(library, "curl_global_init", initialise) ||
-        !find(library, "curl_version_info", describe) || initialise(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
+    if (!library.load() || !findAll(library, *functions) ||
+        !findFunction(library, "curl_global_init", initialise) ||
+        !findFunction(library, "curl_version_info", describe) ||
+        initialise(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
         qCWarning(lcHttp).noquote() << "no network: libcurl cannot be used:" << library.errorString();
         return nullptr;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/atomicfield.h"
+#include "base/deletelater.h"
 #include "favourites/radiomodel.h"
 #include "playback/backend.h"
 #include "playback/playbackstate.h"
@@ -104,11 +105,6 @@ private:
     void setProgress(PlaybackState progress);
     void reportState();
     void endPlayer(PlaybackState ending);
-
-    struct DeleteLater
-    {
-        void operator()(QObject *object) const { object->deleteLater(); }
-    };
 
     Backend &backend_;
     StoredTimeout storedTimeout_;

@@ -55,9 +55,10 @@ void HeardReport::titleHeard(const QByteArray &title)
     }
 }
 
-void HeardReport::bitrateAnnounced(int bitrate)
+void HeardReport::serverChanged(int bitrate, bool isUnverified)
 {
     announcedBitrate_ = inSteps(bitrate);
+    isUnverified_ = isUnverified;
     report();
 }
 
@@ -97,12 +98,6 @@ void HeardReport::cacheChanged(const mpv_node *state)
             buffered_ = qFloor(seconds);
         }
     }
-    report();
-}
-
-void HeardReport::setUnverified(bool isUnverified)
-{
-    isUnverified_ = isUnverified;
     report();
 }
 

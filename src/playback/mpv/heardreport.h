@@ -21,16 +21,15 @@ public:
     /// What the station says that plays, as it came, in place of the stream's tags. An empty one takes the
     /// one before away, and where there was none says nothing.
     void titleHeard(const QByteArray &title);
-    /// In kbit/s, as the station announces it; 0 where it does not.
-    void bitrateAnnounced(int bitrate);
+    /// What the station announces in kbit/s, 0 where it does not; and whether the certificate of the server
+    /// that the sound comes from could not be verified.
+    void serverChanged(int bitrate, bool isUnverified);
     /// The tags of the stream: "metadata".
     void metadataChanged(const mpv_node *metadata);
     /// The sound that has been chosen from the stream: "current-tracks/audio".
     void trackChanged(const mpv_node *track);
     /// "demuxer-cache-state".
     void cacheChanged(const mpv_node *state);
-    /// Whether the certificate of the server that the sound comes from could not be verified.
-    void setUnverified(bool isUnverified);
 
 private:
     void report();

@@ -118,8 +118,7 @@ void MpvItem::begin()
     connect(load_.get(), &StreamLoad::titleHeard, this,
             [this](const QByteArray &title) { heardReport_->titleHeard(title); });
     connect(load_.get(), &StreamLoad::factsChanged, this, [this](const StreamSource::Facts &facts) {
-        heardReport_->bitrateAnnounced(facts.bitrate);
-        heardReport_->setUnverified(facts.isUnverified);
+        heardReport_->serverChanged(facts.bitrate, facts.isUnverified);
     });
     connect(load_.get(), &StreamLoad::sourceFinished, this, [this] { formatKeeper_->streamEnded(); });
     // An observer of the failure may release the player, and what signals it.

@@ -1,6 +1,7 @@
 #include "playback/mpv/mpvlibrary.h"
 
-#include <QLibrary>
+#include "base/libraryfunction.h"
+
 #include <QLoggingCategory>
 
 namespace {
@@ -18,32 +19,26 @@ constexpr int pipeWireQuiet = 0;
 /// A snd_lib_error_handler_t.
 void ignoreAlsaError(const char *, int, const char *, int, const char *, ...) {}
 
-template <class Function>
-bool find(QLibrary &library, const char *name, Function &function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
 } // namespace
 
 std::unique_ptr<const MpvLibrary> MpvLibrary::open()
 {
     QLibrary library(QStringLiteral("mpv"), interfaceVersion);
     auto functions = std::make_unique<MpvLibrary>();
-    if (!library.load() || !find(library, "mpv_create", functions->create) ||
-        !find(library, "mpv_initialize", functions->initialize) ||
-        !find(library, "mpv_terminate_destroy", functions->terminateDestroy) ||
-        !find(library, "mpv_set_option_string", functions->setOptionString) ||
-        !find(library, "mpv_set_property_async", functions->setPropertyAsync) ||
-        !find(library, "mpv_get_property_async", functions->getPropertyAsync) ||
-        !find(library, "mpv_command_async", functions->commandAsync) ||
-        !find(library, "mpv_command_node_async", functions->commandNodeAsync) ||
-        !find(library, "mpv_observe_property", functions->observeProperty) ||
-        !find(library, "mpv_wait_event", functions->waitEvent) ||
-        !find(library, "mpv_set_wakeup_callback", functions->setWakeupCallback) ||
-        !find(library, "mpv_stream_cb_add_ro", functions->streamCbAddRo) ||
-        !find(library, "mpv_request_log_messages", functions->requestLogMessages) ||
-        !find(library, "mpv_error_string", functions->errorString)) {
+    if (!library.load() || !findFunction(library, "mpv_create", functions->create) ||
+        !findFunction(library, "mpv_initialize", functions->initialize) ||
+        !findFunction(library, "mpv_terminate_destroy", functions->terminateDestroy) ||
+        !findFunction(library, "mpv_set_option_string", functions->setOptionString) ||
+        !findFunction(library, "mpv_set_property_async", functions->setPropertyAsync) ||
+        !findFunction(library, "mpv_get_property_async", functions->getPropertyAsync) ||
+        !findFunction(library, "mpv_command_async", functions->commandAsync) ||
+        !findFunction(library, "mpv_command_node_async", functions->commandNodeAsync) ||
+        !findFunction(library, "mpv_observe_property", functions->observeProperty) ||
+        !findFunction(library, "mpv_wait_event", functions->waitEvent) ||
+        !findFunction(library, "mpv_set_wakeup_callback", functions->setWakeupCallback) ||
+        !findFunction(library, "mpv_stream_cb_add_ro", functions->streamCbAddRo) ||
+        !findFunction(library, "mpv_request_log_messages", functions->requestLogMessages) ||
+        !findFunction(library, "mpv_error_string", functions->errorString)) {
         qCWarning(lcLibrary).noquote() << "no sound: libmpv cannot be used:" << library.errorString();
         return nullptr;
     }

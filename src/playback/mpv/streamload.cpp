@@ -15,7 +15,7 @@ Q_LOGGING_CATEGORY(lcLoad, "plumtide.playback")
 /// libmpv's own demand on the likeness to a format, out of 100.
 constexpr int surerProbeScore = 26;
 /// What this process may take while a stream is opened, whatever for: a few compressed bytes can become any
-/// number. Half of it is what an answer of the directory may have.
+/// number. An answer of the directory may have two thirds of it.
 constexpr qint64 mostOpeningBytes = 48LL * 1024 * 1024;
 constexpr std::chrono::milliseconds memoryCheckTime{10};
 /// libmpv reports what it has in its buffer several times a second.

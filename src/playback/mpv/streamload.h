@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/deletelater.h"
 #include "playback/mpv/memorywatch.h"
 #include "playback/mpv/readallowance.h"
 #include "playback/mpv/timedtitles.h"
@@ -58,11 +59,6 @@ private:
         Requested, ///< libmpv has been asked for one, and has not answered yet
         Opening,   ///< libmpv has given it its number
         Opened,    ///< libmpv has recognised its format
-    };
-
-    struct DeleteLater
-    {
-        void operator()(QObject *object) const { object->deleteLater(); }
     };
 
     static bool mayFollow(Stage from, Stage to);

@@ -1,20 +1,16 @@
 #include "playback/stream/hlsstream.h"
 
+#include "playback/stream/attemptspacing.h"
 #include "playback/stream/playlist.h"
 #include "playback/stream/streamconnection.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <utility>
 
 using namespace std::chrono_literals;
 
 namespace {
-/// How long a server may take to answer, and to give all of what is not sound.
-constexpr std::chrono::milliseconds hlsAnswerTime = 5s;
-/// How long after an attempt that fails the next one begins, at least.
-constexpr std::array<std::chrono::milliseconds, 4> hlsPauses{250ms, 500ms, 1s, 2s};
 /// How many attempts at a playlist a variant is worth while there is another one to try, and how many
 /// playlists without news a stream is that nobody has heard yet.
 constexpr int attemptsPerVariant = 2;
@@ -89,9 +85,7 @@ void HlsStream::wait(std::chrono::milliseconds time)
 /// Each attempt begins a while after the one before.
 void HlsStream::waitAfter(int failures)
 {
-    const auto index = static_cast<std::size_t>(std::max(failures - 1, 0));
-    wait(hlsPauses.at(std::min(index, hlsPauses.size() - 1)) -
-         std::chrono::milliseconds(sinceFetch_.elapsed()));
+    wait(AttemptSpacing::waitFor(failures - 1, sinceFetch_));
 }
 
 /// What the segment needs goes before it.
@@ -369,7 +363,7 @@ std::unique_ptr<HlsCipher> HlsStream::cipherFor(const HlsEncryption &encryption,
 
 HlsFetch &HlsStream::open(const QUrl &url, const HlsRange &range, HlsFetch::Pace pace, qint64 most)
 {
-    HttpRequest request = access_.requestFor(url, hlsAnswerTime);
+    HttpRequest request = access_.requestFor(url, AttemptSpacing::answerTime);
     request.maximumBytes = most;
     sinceFetch_.start();
     fetch_.reset(new HlsFetch(this));

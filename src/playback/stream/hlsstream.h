@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/deletelater.h"
 #include "playback/stream/hls/hlscipher.h"
 #include "playback/stream/hls/hlsfetch.h"
 #include "playback/stream/hls/hlsplaylist.h"
@@ -31,15 +32,6 @@ public:
     void start() override;
 
 private:
-    struct DeleteLater
-    {
-        void operator()(QObject *object) const
-        {
-            object->disconnect();
-            object->deleteLater();
-        }
-    };
-
     /// The segment that is being delivered.
     struct Part
     {

@@ -1,9 +1,9 @@
 #include "playback/stream/livestream.h"
 
 #include "base/leadinginteger.h"
+#include "playback/stream/attemptspacing.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <utility>
 
@@ -12,10 +12,6 @@ using namespace std::chrono_literals;
 namespace {
 /// How long an open connection may bring nothing until another one is tried beside it.
 constexpr std::chrono::milliseconds longestSilence = 3s;
-/// How long a server may take to answer with sound.
-constexpr std::chrono::milliseconds answerTime = 5s;
-/// How long after an attempt the next one begins, at least.
-constexpr std::array<std::chrono::milliseconds, 4> pauses{250ms, 500ms, 1s, 2s};
 /// What a connection has to bring for the attempts to begin anew.
 constexpr quint64 worthwhileBytes = 8 * 1024;
 /// How many attempts a stream is worth that nobody has heard yet.
@@ -24,17 +20,17 @@ constexpr int earlyAttempts = 2;
 constexpr int refusalsBesideSilence = 2;
 } // namespace
 
-LiveStream::LiveStream(const StreamAccess &access, QUrl address, std::unique_ptr<StreamConnection> connection,
+LiveStream::LiveStream(const StreamAccess &access, QUrl address, StreamConnection::Pointer connection,
                        QObject *parent)
     : StreamSource(parent)
     , access_(access)
     , address_(std::move(address))
-    , next_(connection.release())
+    , next_(std::move(connection))
 {
     next_->setParent(this);
     silence_.setSingleShot(true);
     silence_.setInterval(longestSilence);
-    connect(&silence_, &QTimer::timeout, this, &LiveStream::silent);
+    connect(&silence_, &QTimer::timeout, this, &LiveStream::scheduleAttempt);
     pause_.setSingleShot(true);
     connect(&pause_, &QTimer::timeout, this, &LiveStream::attempt);
 }
@@ -70,8 +66,7 @@ void LiveStream::adopt()
     connect(current_.get(), &StreamConnection::received, this, &LiveStream::receive);
     connect(current_.get(), &StreamConnection::ended, this, &LiveStream::lost);
     const HttpResponse &response = current_->response();
-    resolved_ = response.url;
-    target_ = resolved_;
+    target_ = response.url;
     icy_.emplace(response);
     oggTitles_.emplace();
     receivedBefore_ = bytesSent();
@@ -84,10 +79,8 @@ void LiveStream::adopt()
 
 void LiveStream::receive()
 {
-    if (next_ != nullptr) {
-        // It was only silent.
-        next_.reset();
-    }
+    // It was only silent, if another one has been asked for.
+    next_.reset();
     pause_.stop();
     const QByteArray sound = icy_->take(current_->take(), [this](qsizetype before, const QByteArray &title) {
         oggTitles_.reset();
@@ -118,11 +111,6 @@ void LiveStream::lost(bool isComplete)
     }
 }
 
-void LiveStream::silent()
-{
-    scheduleAttempt();
-}
-
 /// One at a time, and each a while after the one before.
 void LiveStream::scheduleAttempt()
 {
@@ -133,10 +121,7 @@ void LiveStream::scheduleAttempt()
         finish();
         return;
     }
-    const auto index = std::min(static_cast<std::size_t>(attempts_), pauses.size() - 1);
-    const auto passed =
-        sinceAttempt_.isValid() ? std::chrono::milliseconds(sinceAttempt_.elapsed()) : pauses.back();
-    pause_.start(std::max(0ms, pauses.at(index) - passed));
+    pause_.start(AttemptSpacing::waitFor(attempts_, sinceAttempt_));
 }
 
 void LiveStream::attempt()
@@ -145,7 +130,7 @@ void LiveStream::attempt()
     sinceAttempt_.start();
     next_.reset(new StreamConnection(this));
     connect(next_.get(), &StreamConnection::found, this, &LiveStream::answered);
-    HttpRequest request = access_.requestFor(target_, answerTime);
+    HttpRequest request = access_.requestFor(target_, AttemptSpacing::answerTime);
     request.headers.emplaceBack(IcyReader::requestHeader, "1");
     next_->start(request);
 }

@@ -21,24 +21,16 @@ class LiveStream : public StreamSource
 
 public:
     /// Goes on with `connection`, which has found sound behind `address`.
-    LiveStream(const StreamAccess &access, QUrl address, std::unique_ptr<StreamConnection> connection,
+    LiveStream(const StreamAccess &access, QUrl address, StreamConnection::Pointer connection,
                QObject *parent = nullptr);
 
     void start() override;
 
 private:
-    struct DeleteLater
-    {
-        void operator()(QObject *object) const { object->deleteLater(); }
-    };
-    using ConnectionPointer = std::unique_ptr<StreamConnection, DeleteLater>;
-
     void moreWanted() override;
-    void listen();
     void receive();
     void rest(bool isResting);
     void lost(bool isComplete);
-    void silent();
     void scheduleAttempt();
     void attempt();
     void answered(StreamConnection::Finding finding);
@@ -46,19 +38,18 @@ private:
     void adopt();
 
     const StreamAccess access_;
-    /// What the station's address is, and where its redirects have led last.
+    /// What the station's address is.
     const QUrl address_;
-    QUrl resolved_;
     /// Null while it is lost.
-    ConnectionPointer current_;
+    StreamConnection::Pointer current_;
     /// One that has been asked for and has not answered yet.
-    ConnectionPointer next_;
+    StreamConnection::Pointer next_;
     std::optional<IcyReader> icy_;
     /// None where the server itself tells titles.
     std::optional<OggTitles> oggTitles_;
     quint64 receivedBefore_ = 0;
     bool isResting_ = false;
-    /// What is asked for next.
+    /// What is asked for next: where its redirects have led last, or the address itself.
     QUrl target_;
     int attempts_ = 0; // since sound came last
     QElapsedTimer sinceAttempt_;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/deletelater.h"
 #include "http/httpmessage.h"
 
 #include <QByteArray>
 #include <QObject>
+#include <memory>
 
 class HttpExchange;
 
@@ -16,6 +18,8 @@ class StreamConnection : public QObject
     Q_OBJECT
 
 public:
+    using Pointer = std::unique_ptr<StreamConnection, DeleteLater>;
+
     enum class Finding {
         NoAnswer, ///< none that counts: an error status, nothing at all, or more than a playlist may have
         NoStream, ///< a text that is no playlist, or too little to be sound

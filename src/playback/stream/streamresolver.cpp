@@ -84,11 +84,7 @@ void StreamResolver::next()
 {
     const bool wasOffered = stage_ == Stage::Offered;
     enter(Stage::None);
-    if (connection_) {
-        // It may be what is telling something just now.
-        connection_->disconnect(this);
-        connection_.release()->deleteLater();
-    }
+    connection_.reset();
     if (wasOffered) {
         Q_EMIT streamDropped();
     }
@@ -111,7 +107,7 @@ void StreamResolver::next()
 void StreamResolver::ask()
 {
     enter(Stage::Asking);
-    connection_ = std::make_unique<StreamConnection>();
+    connection_.reset(new StreamConnection(this));
     connect(connection_.get(), &StreamConnection::found, this, &StreamResolver::evaluate);
     HttpRequest request = access_.requestFor(current_.url, time_.total() + beyondTimeout);
     request.headers.emplaceBack(IcyReader::requestHeader, "1");

@@ -67,6 +67,6 @@ private:
     Stage stage_ = Stage::None;
     StreamCandidate current_;
     /// While the stage is Asking.
-    std::unique_ptr<StreamConnection> connection_;
+    StreamConnection::Pointer connection_;
     QTimer wait_;
 };

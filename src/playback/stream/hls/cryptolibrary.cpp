@@ -1,6 +1,7 @@
 #include "playback/stream/hls/cryptolibrary.h"
 
-#include <QLibrary>
+#include "base/libraryfunction.h"
+
 #include <QLoggingCategory>
 #include <memory>
 
@@ -10,23 +11,16 @@ Q_LOGGING_CATEGORY(lcCrypto, "plumtide.playback")
 /// As in the shared object's name.
 constexpr int cryptoVersion = 3;
 
-template <class Function>
-bool findInCrypto(QLibrary &library, const char *name, Function &function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
-
 std::unique_ptr<const CryptoLibrary> openCrypto()
 {
     QLibrary library(QStringLiteral("crypto"), cryptoVersion);
     auto functions = std::make_unique<CryptoLibrary>();
-    if (!library.load() || !findInCrypto(library, "EVP_CIPHER_CTX_new", functions->contextNew) ||
-        !findInCrypto(library, "EVP_CIPHER_CTX_free", functions->contextFree) ||
-        !findInCrypto(library, "EVP_aes_128_cbc", functions->aes128Cbc) ||
-        !findInCrypto(library, "EVP_DecryptInit_ex", functions->decryptInit) ||
-        !findInCrypto(library, "EVP_DecryptUpdate", functions->decryptUpdate) ||
-        !findInCrypto(library, "EVP_DecryptFinal_ex", functions->decryptFinal)) {
+    if (!library.load() || !findFunction(library, "EVP_CIPHER_CTX_new", functions->contextNew) ||
+        !findFunction(library, "EVP_CIPHER_CTX_free", functions->contextFree) ||
+        !findFunction(library, "EVP_aes_128_cbc", functions->aes128Cbc) ||
+        !findFunction(library, "EVP_DecryptInit_ex", functions->decryptInit) ||
+        !findFunction(library, "EVP_DecryptUpdate", functions->decryptUpdate) ||
+        !findFunction(library, "EVP_DecryptFinal_ex", functions->decryptFinal)) {
         qCWarning(lcCrypto).noquote()
             << "encrypted streams do not play: libcrypto cannot be used:" << library.errorString();
         return nullptr;
