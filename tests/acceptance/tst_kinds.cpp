@@ -4,12 +4,16 @@
 #include "support/stage.h"
 
 #include <QFile>
+#include <QSslCertificate>
+#include <QSslKey>
 #include <QTest>
 #include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
-/// Every kind of sound that stations send, by every road that leads to it: heard at its pitch.
+/// Every kind of sound that stations send, in the clear and encrypted, by every road that leads to it: heard at
+/// its pitch.
 class TestKinds : public QObject
 {
     Q_OBJECT
@@ -23,18 +27,33 @@ private Q_SLOTS:
     void cleanupTestCase() { stage_.reset(); }
 
 private:
+    QString write(const QString &name, const QByteArray &content) const;
     void hear(const QString &address, double pitch);
 
-    LocalRadio radio_;
     QTemporaryDir folder_;
+    std::optional<LocalRadio> radio_;
     QString sound_ = folder_.filePath(u"sound.wav"_s);
     std::unique_ptr<Stage> stage_;
 };
 
 void TestKinds::initTestCase()
 {
-    QVERIFY(radio_.isRunning());
-    stage_ = std::make_unique<Stage>(radio_.address(), *AudioOutput::fromText(u"pcm:"_s + sound_));
+    const QSslConfiguration tls = ScriptedServer::makeCertificate();
+    QVERIFY(!tls.isNull());
+    const QString certificate = write(u"certificate"_s, tls.localCertificate().toPem());
+    qputenv("SSL_CERT_FILE", QFile::encodeName(certificate));
+    radio_.emplace(QStringList{u"--tls-certificate"_s, certificate, u"--tls-key"_s,
+                               write(u"key"_s, tls.privateKey().toPem())});
+    QVERIFY(radio_->isRunning() && !radio_->encryptedAddress().isEmpty());
+    stage_ = std::make_unique<Stage>(radio_->address(), *AudioOutput::fromText(u"pcm:"_s + sound_));
+}
+
+/// The whole name of the file.
+QString TestKinds::write(const QString &name, const QByteArray &content) const
+{
+    QFile file(folder_.filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName()
+                                                                                    : QString();
 }
 
 void TestKinds::hear(const QString &address, double pitch)
@@ -51,21 +70,24 @@ void TestKinds::hear(const QString &address, double pitch)
 
 void TestKinds::kindsAreHeard_data()
 {
-    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("address");
     QTest::addColumn<double>("pitch");
-    const QJsonArray kinds = radio_.kinds();
+    const QJsonArray kinds = radio_->kinds();
     QVERIFY(!kinds.isEmpty());
-    for (const auto &kind : kinds) {
-        QTest::newRow(qPrintable(kind["name"_L1].toString()))
-            << kind["path"_L1].toString() << kind["pitch"_L1].toDouble();
+    for (const QString &server : {radio_->address(), radio_->encryptedAddress()}) {
+        for (const auto &kind : kinds) {
+            const QString scheme = server.section(u':', 0, 0);
+            QTest::newRow(qPrintable(kind["name"_L1].toString() + u" by "_s + scheme))
+                << QString(server + kind["path"_L1].toString()) << kind["pitch"_L1].toDouble();
+        }
     }
 }
 
 void TestKinds::kindsAreHeard()
 {
-    QFETCH(QString, path);
+    QFETCH(QString, address);
     QFETCH(double, pitch);
-    hear(radio_.address() + path, pitch);
+    hear(address, pitch);
 }
 
 void TestKinds::roadsLeadToSound_data()
@@ -81,19 +103,33 @@ void TestKinds::roadsLeadToSound_data()
                                   "<track><location>SOUND</location></track></trackList></playlist>");
     QTest::newRow("relative") << list("# A station\n/relative\n");
     QTest::newRow("HLS in a playlist") << list("RADIO/hls/high.m3u8\n");
-    QTest::newRow("redirect") << u"RADIO/stream/0?redirect=SOUND"_s;
+    QTest::newRow("redirect") << u"SOUND?redirect=SOUND"_s;
+    QTest::newRow("redirect with a token that holds once") << u"SOUND?token=required"_s;
+    QTest::newRow("redirect with a cookie") << u"SOUND?cookie=required"_s;
+    QTest::newRow("playlist, redirect with a token") << list("SOUND?token=required\n");
+    QTest::newRow("playlist, redirect with a cookie") << list("SOUND?cookie=required\n");
+    QTest::newRow("redirect from the clear to the encrypted") << u"SOUND?redirect=tls"_s;
+    QTest::newRow("pls by https") << u"TLS/playlist?entry=SOUND"_s;
+    QTest::newRow("redirect with a token by https") << u"HEARD?token=required"_s;
+    QTest::newRow("redirect with a cookie by https") << u"HEARD?cookie=required"_s;
+    QTest::newRow("pls, redirect with a token by https") << list("[playlist]\nFile1=HEARD?token=required\n");
+    QTest::newRow("HLS in a playlist by https") << list("TLS/hls/high.m3u8\n");
 }
 
 void TestKinds::roadsLeadToSound()
 {
     QFETCH(QString, road);
-    const QJsonObject station = radio_.stations().at(0).toObject();
+    const QJsonObject station = radio_->stations().at(0).toObject();
     const auto inFull = [this](QString text) {
-        return text.replace(u"SOUND"_s, radio_.stream(0)).replace(u"RADIO"_s, radio_.address());
+        const QString path = QUrl(radio_->stream(0)).path();
+        return text.replace(u"SOUND"_s, radio_->stream(0))
+            .replace(u"HEARD"_s, radio_->encryptedAddress() + path)
+            .replace(u"RADIO"_s, radio_->address())
+            .replace(u"TLS"_s, radio_->encryptedAddress());
     };
-    road.replace(u"RADIO/stream/0"_s, radio_.stream(0));
     ScriptedServer server;
-    server.script("/relative", "HTTP/1.0 302 x\r\nLocation: " + radio_.stream(0).toLatin1() + "\r\n\r\n");
+    server.script("/relative",
+                  "HTTP/1.0 302 x\r\nLocation: " + radio_->stream(0).toLatin1() + "\r\n\r\n");
     if (road.startsWith(u"LIST")) {
         server.scriptBody("/list", inFull(road.mid(4)).toLatin1());
         road = server.address(u"/list"_s);

@@ -392,7 +392,7 @@ constexpr Fault faults[] = {
     {"STREAM?status=99", "closed", R"(^HTTP/1.1 400 .*\nstatus must be a whole number from 100 to 599\n$)"},
     {"STREAM?redirect=same", "closed", R"(^HTTP/1.1 302 .*\nLocation: MAIN/stream/STATION\r\n)"},
     {"STREAM?redirect=port", "closed", R"(\nLocation: SECOND/stream/STATION\r\n)"},
-    {"STREAM?redirect=tls", "closed", R"(\nLocation: https://127.0.0.1:\d+/stream/STATION\r\n)"},
+    {"STREAM?redirect=tls", "closed", R"(\nLocation: https://localhost:\d+/stream/STATION\r\n)"},
     {"STREAM?redirect=loop", "closed", R"(\nLocation: MAIN/stream/STATION\?redirect=loop\r\n)"},
     {"STREAM?redirect=file", "closed", R"(\nLocation: file:///etc/passwd\r\n)"},
     {"STREAM?redirect=x:/?%26&status=308", "closed", R"(^HTTP/1.1 308 .*\nLocation: x:/\?&\r\n)"},

@@ -35,6 +35,9 @@ LocalRadio::LocalRadio(const QStringList &arguments)
                    QStringList{QStringLiteral("--log"), folder_.filePath(QStringLiteral("log"))} + arguments);
     address_ = readAddress();
     secondAddress_ = readAddress();
+    if (arguments.contains(u"--tls-certificate")) {
+        encryptedAddress_ = readAddress();
+    }
 }
 
 LocalRadio::~LocalRadio()
@@ -101,6 +104,6 @@ QString LocalRadio::readAddress()
     while (!process_.canReadLine() && process_.waitForReadyRead(startTime)) {
     }
     const QString line = QString::fromUtf8(process_.readLine()).trimmed();
-    const qsizetype begin = line.indexOf(QLatin1StringView("http://"));
+    const qsizetype begin = line.indexOf(QLatin1StringView("http"));
     return begin >= 0 ? line.mid(begin).chopped(1) : QString();
 }

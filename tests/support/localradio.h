@@ -19,6 +19,8 @@ public:
     const QString &address() const { return address_; }
     /// The same for its second port, which serves the same.
     const QString &secondAddress() const { return secondAddress_; }
+    /// "https://localhost:PORT", which serves the same too, where the arguments name a certificate.
+    const QString &encryptedAddress() const { return encryptedAddress_; }
     /// The address of the stream of the station in that row of the catalogue.
     QString stream(int row) const;
     /// The first `bytes` of that stream's answer, head and all; fewer if it takes too long.
@@ -40,5 +42,6 @@ private:
     QProcess process_;
     QString address_;
     QString secondAddress_;
+    QString encryptedAddress_;
     QJsonArray stations_;
 };

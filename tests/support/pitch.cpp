@@ -9,7 +9,7 @@
 
 namespace {
 constexpr double sampleRate = 44100;
-constexpr std::size_t window = 32768;
+constexpr std::size_t window = 16384;
 constexpr qsizetype bytesPerFrame = 4;
 constexpr double lowestPitch = 80;
 constexpr double highestPitch = 2000;
@@ -73,8 +73,11 @@ double strongestPitch(const QString &wavFile)
     const Excerpt excerpt = excerptOf(wavFile);
     double strongest = 0;
     double pitch = 0;
-    // An eighth of a semitone a step is finer than the window's own resolution over most of the range.
-    for (double frequency = lowestPitch; frequency < highestPitch; frequency *= std::pow(semitone, 0.125)) {
+    // A pitch between two steps must not weigh less than a fainter one that is met.
+    constexpr double resolution = 2 * sampleRate / window;
+    const double eighth = std::pow(semitone, 0.125) - 1;
+    for (double frequency = lowestPitch; frequency < highestPitch;
+         frequency += std::min(frequency * eighth, resolution)) {
         const double energy = energyAt(excerpt.samples, frequency);
         if (energy > strongest) {
             strongest = energy;

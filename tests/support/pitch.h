@@ -3,7 +3,7 @@
 #include <QString>
 #include <vector>
 
-/// The strongest pitch, in Hz, of the last second or so of a 16-bit stereo WAV file that may still be
+/// The strongest pitch, in Hz, of the last third of a second or so of a 16-bit stereo WAV file that may still be
 /// growing; 0 where the file is too short or holds silence.
 double strongestPitch(const QString &wavFile);
 

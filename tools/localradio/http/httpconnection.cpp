@@ -34,14 +34,17 @@ HttpConnection::HttpConnection(QTcpSocket *socket, QObject *parent)
     socket_->setParent(this);
     socket_->setReadBufferSize(maxHeadSize);
     socket_->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, systemBufferSize);
+    // An encrypted socket does not bear being closed while it tells of something.
+    const auto way = isEncrypted() ? Qt::QueuedConnection : Qt::AutoConnection;
     if (auto *const encrypted = qobject_cast<QSslSocket *>(socket)) {
-        connect(encrypted, &QSslSocket::encryptedBytesWritten, this, [this] { onBytesWritten(0); });
+        const auto taken = [this] { onBytesWritten(0); };
+        connect(encrypted, &QSslSocket::encryptedBytesWritten, this, taken, way);
     }
     hold_.setSingleShot(true);
     connect(&hold_, &QTimer::timeout, this, &HttpConnection::release);
     deadline_.setSingleShot(true);
-    connect(socket_, &QTcpSocket::readyRead, this, &HttpConnection::readHead);
-    connect(socket_, &QTcpSocket::bytesWritten, this, &HttpConnection::onBytesWritten);
+    connect(socket_, &QTcpSocket::readyRead, this, &HttpConnection::readHead, way);
+    connect(socket_, &QTcpSocket::bytesWritten, this, &HttpConnection::onBytesWritten, way);
     connect(socket_, &QTcpSocket::disconnected, this, [this] {
         Q_EMIT closed();
         state_ = State::Closing;

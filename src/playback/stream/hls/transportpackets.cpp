@@ -78,7 +78,7 @@ void TransportPackets::shift(unsigned char *packet)
         body + 3 <= packetBytes && packet[body] == 'I' && packet[body + 1] == 'D' && packet[body + 2] == '3';
     unsigned char *time = head + streamHeadBytes;
     if (isMpegSound || (head[3] == 0xBDU && !isTag)) {
-        follow((packet[1] & 0x1FU) << 8U | packet[2], readTime(time));
+        follow(static_cast<int>((packet[1] & 0x1FU) << 8U | packet[2]), readTime(time));
     }
     writeTime(time, (readTime(time) + shift_) & timeMask);
     if ((head[7] & 0x40U) != 0) {
