@@ -101,7 +101,7 @@ start_players() {
     chmod 777 $stage/players "$runtime/pulse/native"
     cat >$stage/bus.conf <<END
 <busconfig><listen>unix:path=$runtime/bus</listen><auth>EXTERNAL</auth><policy context="default"><allow user="*"/>
-<allow send_destination="*" eavesdrop="true"/><allow own="*"/></policy></busconfig>
+<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>
 END
     dbus-daemon --config-file=$stage/bus.conf --nofork 2>$stage/bus.log &
     wait_for test -S "$runtime/bus"

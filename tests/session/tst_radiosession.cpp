@@ -21,6 +21,7 @@ public:
     void requestSearch(const QString &) override {}
     void requestGenre(const QString &) override {}
     void requestRandomStations() override {}
+    void repeatRequest() override {}
     DirectoryAnswer answer() const override { return {}; }
     QString playAddress(const StationEntry &station) const override
     {

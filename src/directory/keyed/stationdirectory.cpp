@@ -49,6 +49,9 @@ void StationDirectory::getRandomStation()
 void StationDirectory::executeSouthCastAPI(const QString &address, int model)
 {
     xmlError_ = false;
+    if (model == stationListModel) {
+        lastAddress_ = address;
+    }
     Q_EMIT busyChanged(true);
     Q_EMIT statusChanged(QStringLiteral("Downloading data"));
 
@@ -98,6 +101,24 @@ void StationDirectory::updateReadWriteData()
 void StationDirectory::requestSearch(const QString &text)
 {
     getRadioByQuery(RVObject::airAPIFormatStyle(text));
+}
+
+void StationDirectory::repeatRequest()
+{
+    if (lastAddress_.isEmpty()) {
+        getTop500();
+    } else {
+        // A copy: it is replaced within.
+        executeSouthCastAPI(QString(lastAddress_), stationListModel);
+    }
+}
+
+DirectoryAnswer StationDirectory::answer() const
+{
+    DirectoryAnswer answer;
+    answer.outcome = outcome_;
+    answer.stations = radioData_;
+    return answer;
 }
 
 QString StationDirectory::playAddress(const StationEntry &station) const
