@@ -61,51 +61,37 @@ public:
     void requestRandomStations() override { getRandomStation(); }
     void repeatRequest() override;
     DirectoryAnswer answer() const override;
-    ;
-} QString playAddress(const StationEntry &station) const override;
-QString favouriteAddress(const StationEntry &station) const override;
+    QString playAddress(const StationEntry &station) const override;
+    QString favouriteAddress(const StationEntry &station) const override;
 
-/// The station list, in the order of the answer.
-const StationList &radioData() const
-{
-    return radioData_;
-}
-/// The latest answer's "tunein" elements.
-const QList<AttributeMap> &radiocallbackData500() const
-{
-    return radiocallbackData500_;
-}
-/// The parser of the latest answer; null before the first.
-const AnswerParser *parserSC500() const
-{
-    return parserSC500_.get();
-}
-bool xmlError() const
-{
-    return xmlError_;
-}
+    /// The station list, in the order of the answer.
+    const StationList &radioData() const { return radioData_; }
+    /// The latest answer's "tunein" elements.
+    const QList<AttributeMap> &radiocallbackData500() const { return radiocallbackData500_; }
+    /// The parser of the latest answer; null before the first.
+    const AnswerParser *parserSC500() const { return parserSC500_.get(); }
+    bool xmlError() const { return xmlError_; }
 
 private:
-QString address(const QString &path) const;
-QString limitParameter() const;
-void parse(const QByteArray &answer);
-void showNoStations(DirectoryAnswer::Outcome outcome);
+    QString address(const QString &path) const;
+    QString limitParameter() const;
+    void parse(const QByteArray &answer);
+    void showNoStations(DirectoryAnswer::Outcome outcome);
 
-void parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
-                           const AttributeMap &attributes) override;
-void parserFoundCharacters(AnswerParser &parser, const QString &text) override;
-void parserDidEndElement(AnswerParser &parser, QByteArrayView elementName) override;
-void parserDidEndDocument(AnswerParser &parser) override;
+    void parserDidStartElement(AnswerParser &parser, QByteArrayView elementName,
+                               const AttributeMap &attributes) override;
+    void parserFoundCharacters(AnswerParser &parser, const QString &text) override;
+    void parserDidEndElement(AnswerParser &parser, QByteArrayView elementName) override;
+    void parserDidEndDocument(AnswerParser &parser) override;
 
-DirectoryService service_;
-StoredLimit storedLimit_;
-StationList radioData_;
-QList<AttributeMap> radiocallbackData500_;
-std::unique_ptr<AnswerParser> parserSC500_;
-bool xmlError_ = false;
-DirectoryAnswer::Outcome outcome_ = DirectoryAnswer::Outcome::Awaited;
-int loggedRuns_ = 0;
-/// The last request's; empty before the first.
-QString lastAddress_;
-}
-;
+    DirectoryService service_;
+    StoredLimit storedLimit_;
+    StationList radioData_;
+    QList<AttributeMap> radiocallbackData500_;
+    std::unique_ptr<AnswerParser> parserSC500_;
+    bool xmlError_ = false;
+    DirectoryAnswer::Outcome outcome_ = DirectoryAnswer::Outcome::Awaited;
+    int loggedRuns_ = 0;
+    /// The last request's; empty before the first.
+    QString lastAddress_;
+};
