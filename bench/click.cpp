@@ -189,21 +189,31 @@ int main(int argc, char *argv[])
         Contender{load(argv[6]), stop, {}},
     };
     for (int index = 7; index < argc; ++index) {
-        // The names are those of MPRIS.
-        const auto tell = [player = QString::fromLocal8Bit(argv[index])](const char *method,
-                                                                         auto... arguments) {
-            QDBusMessage message = QDBusMessage::createMethodCall(
-                QStringLiteral("org.mpris.MediaPlayer2.") + player, QStringLiteral("/org/mpris/MediaPlayer2"),
-                QStringLiteral("org.mpris.MediaPlayer2.Player"), QString::fromLatin1(method));
-            message.setArguments({arguments...});
+        // The names are those of MPRIS, where one of the two does not offer to open an address.
+        const QString player = QString::fromLocal8Bit(argv[index]);
+        const auto tell = [](const QString &service, const QString &path, const QString &interface,
+                             const QString &method, const QVariantList &arguments) {
+            QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+            message.setArguments(arguments);
             const auto asked = Clock::now();
             QDBusConnection::sessionBus().send(message);
             return asked;
         };
-        contenders.push_back(
-            {[tell, playlist = QString::fromLocal8Bit(argv[6])] { return tell("OpenUri", playlist); },
-             [tell] { tell("Stop"); },
-             {}});
+        const auto tellPlayer = [tell, player](const QString &method, const QVariantList &arguments) {
+            return tell(QStringLiteral("org.mpris.MediaPlayer2.") + player,
+                        QStringLiteral("/org/mpris/MediaPlayer2"),
+                        QStringLiteral("org.mpris.MediaPlayer2.Player"), method, arguments);
+        };
+        const auto play = [tell, tellPlayer, player, playlist = QString::fromLocal8Bit(argv[6])] {
+            const QString audacious = QStringLiteral("audacious");
+            if (player != audacious) {
+                return tellPlayer(QStringLiteral("OpenUri"), {playlist});
+            }
+            const QString name = QStringLiteral("org.atheme.") + audacious;
+            return tell(name, QStringLiteral("/org/atheme/") + audacious, name, QStringLiteral("OpenList"),
+                        {QStringList(playlist)});
+        };
+        contenders.push_back({play, [tellPlayer] { tellPlayer(QStringLiteral("Stop"), {}); }, {}});
     }
 
     for (int round = 0; round < rounds; ++round) {
