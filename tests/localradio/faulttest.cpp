@@ -367,7 +367,8 @@ private:
     {
         while (!program_.canReadLine() && program_.waitForReadyRead()) {
         }
-        static const QRegularExpression address(QStringLiteral("^https?://127\\.0\\.0\\.1:(\\d+)/\n$"));
+        static const QRegularExpression address(
+            QStringLiteral("^https?://(?:127\\.0\\.0\\.1|localhost):(\\d+)/\n$"));
         const QByteArray line = program_.readLine();
         return line.startsWith(start)
                    ? address.match(QString::fromUtf8(line.sliced(start.size()))).captured(1).toUShort()
