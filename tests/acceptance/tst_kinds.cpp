@@ -12,8 +12,8 @@
 
 using namespace Qt::StringLiterals;
 
-/// Every kind of sound that stations send, in the clear and encrypted, by every road that leads to it: heard at
-/// its pitch.
+/// Every kind of sound that stations send, in the clear and encrypted, by every road that leads to it: heard
+/// at its pitch.
 class TestKinds : public QObject
 {
     Q_OBJECT
@@ -128,8 +128,7 @@ void TestKinds::roadsLeadToSound()
             .replace(u"TLS"_s, radio_->encryptedAddress());
     };
     ScriptedServer server;
-    server.script("/relative",
-                  "HTTP/1.0 302 x\r\nLocation: " + radio_->stream(0).toLatin1() + "\r\n\r\n");
+    server.script("/relative", "HTTP/1.0 302 x\r\nLocation: " + radio_->stream(0).toLatin1() + "\r\n\r\n");
     if (road.startsWith(u"LIST")) {
         server.scriptBody("/list", inFull(road.mid(4)).toLatin1());
         road = server.address(u"/list"_s);

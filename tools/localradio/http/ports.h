@@ -4,8 +4,8 @@
 
 namespace localradio {
 
-/// The address of what listens on `port` of this machine: "http://127.0.0.1:PORT", or "https://localhost:PORT",
-/// as certificates bear names.
+/// The address of what listens on `port` of this machine: "http://127.0.0.1:PORT", or
+/// "https://localhost:PORT", as certificates bear names.
 inline QString originOf(quint16 port, bool encrypted = false)
 {
     return (encrypted ? QStringLiteral("https://localhost:%1") : QStringLiteral("http://127.0.0.1:%1"))
