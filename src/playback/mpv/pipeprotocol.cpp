@@ -4,15 +4,17 @@
 
 #include <utility>
 
-namespace {
-/// What libmpv keeps of a pipe that it has opened.
-using Cookie = std::shared_ptr<BytePipe>;
-
-BytePipe &pipeOf(void *cookie)
+std::shared_ptr<BytePipe> PipeProtocol::Opened::pipe() const
 {
-    return **static_cast<Cookie *>(cookie);
+    const std::scoped_lock lock(mutex);
+    return open;
 }
-} // namespace
+
+void PipeProtocol::Opened::close()
+{
+    const std::scoped_lock lock(mutex);
+    open.reset();
+}
 
 QByteArray PipeProtocol::offer(const std::shared_ptr<BytePipe> &pipe)
 {
@@ -24,21 +26,32 @@ QByteArray PipeProtocol::offer(const std::shared_ptr<BytePipe> &pipe)
 
 int PipeProtocol::open(void *protocol, char *address, mpv_stream_cb_info *info)
 {
-    std::shared_ptr<BytePipe> pipe = static_cast<PipeProtocol *>(protocol)->take(address);
-    if (!pipe) {
+    Opened *const opened = static_cast<PipeProtocol *>(protocol)->take(address);
+    if (opened == nullptr) {
         return MPV_ERROR_LOADING_FAILED;
     }
-    info->cookie = new Cookie(std::move(pipe));
+    info->cookie = opened;
     info->read_fn = [](void *cookie, char *to, uint64_t most) -> int64_t {
-        return pipeOf(cookie).read(to, static_cast<qsizetype>(most));
+        return static_cast<Opened *>(cookie)->pipe()->read(to, static_cast<qsizetype>(most));
     };
-    info->cancel_fn = [](void *cookie) { pipeOf(cookie).cancel(); };
-    info->close_fn = [](void *cookie) { delete static_cast<Cookie *>(cookie); };
+    info->cancel_fn = [](void *cookie) {
+        if (const auto pipe = static_cast<Opened *>(cookie)->pipe()) {
+            pipe->cancel();
+        }
+    };
+    info->close_fn = [](void *cookie) { static_cast<Opened *>(cookie)->close(); };
     return 0;
 }
 
-std::shared_ptr<BytePipe> PipeProtocol::take(const QByteArray &address)
+/// Null where nothing is offered under that address.
+PipeProtocol::Opened *PipeProtocol::take(const QByteArray &address)
 {
     const std::scoped_lock lock(mutex_);
-    return offered_.take(address);
+    std::shared_ptr<BytePipe> pipe = offered_.take(address);
+    if (!pipe) {
+        return nullptr;
+    }
+    opened_.push_back(std::make_unique<Opened>());
+    opened_.back()->open = std::move(pipe);
+    return opened_.back().get();
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mpv/stream_cb.h>
 #include <mutex>
+#include <vector>
 
 class BytePipe;
 
@@ -23,9 +24,21 @@ public:
     static int open(void *protocol, char *address, mpv_stream_cb_info *info);
 
 private:
-    std::shared_ptr<BytePipe> take(const QByteArray &address);
+    /// What libmpv is given of a pipe that it opens.
+    struct Opened
+    {
+        std::shared_ptr<BytePipe> pipe() const;
+        void close();
+
+        mutable std::mutex mutex;
+        std::shared_ptr<BytePipe> open; ///< null once it is closed
+    };
+
+    Opened *take(const QByteArray &address);
 
     std::mutex mutex_;
     quint64 lastNumber_ = 0;
     QHash<QByteArray, std::shared_ptr<BytePipe>> offered_;
+    /// As long as the core: libmpv may cancel on one thread what it closes on another.
+    std::vector<std::unique_ptr<Opened>> opened_;
 };
